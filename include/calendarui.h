@@ -1,0 +1,13 @@
+/* libcalendarui - the calendar user interface library
+ *
+ * Umbrella header: a host includes this one file.
+ */
+#ifndef CALENDARUI_H
+#define CALENDARUI_H
+
+#include "calendarui/TavExport.h"
+#include "calendarui/TavHelper.h"
+#include "calendarui/TavCalendarEnums.h"
+#include "calendarui/TavEnumTypes.h"
+
+#endif /* CALENDARUI_H */
