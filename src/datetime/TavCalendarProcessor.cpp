@@ -79,10 +79,18 @@ inline int date_cmp (const TavDate &a, const TavDate &b)
     return a.day < b.day ? -1 : a.day > b.day ? 1 : 0;
 }
 
-/* tav_date_compare's result, without the call. */
+/* tav_date_compare's result (the first differing field's difference,
+ * saturated to the int range), without the call. */
 inline int date_difference (const TavDate &a, const TavDate &b)
 {
-    return tav_date_compare (&a, &b);
+    int64_t d;
+    if (a.year != b.year)
+        d = static_cast<int64_t> (a.year) - b.year;
+    else if (a.month != b.month)
+        d = static_cast<int64_t> (a.month) - b.month;
+    else
+        d = static_cast<int64_t> (a.day) - b.day;
+    return static_cast<int> (std::clamp<int64_t> (d, std::numeric_limits<int>::min (), std::numeric_limits<int>::max ()));
 }
 
 inline bool same_date (const TavDate &a, const TavDate &b)
