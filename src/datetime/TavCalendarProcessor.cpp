@@ -465,11 +465,6 @@ private:
     const ReformOrdinals *m_consts;
 };
 
-inline bool is_valid_day (const Priv &priv, const TavDate &date)
-{
-    return date.day >= 1 && date.day <= month_len (priv, date.year, date.month);
-}
-
 /* @ndays forward steps. The month must be 0..11. */
 void forward_by_days (const Priv &priv, TavDate &date, int64_t ndays)
 {
