@@ -443,6 +443,12 @@ TEST (CalendarEntry, EqualityIsByIdWithinSources)
             g_object_set (e.get (), "source", work.get (), nullptr);
         return e;
     };
+    MemorySourcePtr home (tav_memory_source_new ("Home", TavCalendarColorRed, CalendarSourceTypeLocal));
+    auto in_home = [&] (const char *id) {
+        auto e = adoptGRef (TAV_CALENDAR_ENTRY (g_object_new (TAV_TYPE_CALENDAR_ENTRY, "num-id", id, "source",
+                                                              home.get (), nullptr)));
+        return e;
+    };
     auto same = make (TAV_TYPE_CALENDAR_ENTRY, "AB1", true);
     struct Row {
         const char *label;
@@ -457,6 +463,8 @@ TEST (CalendarEntry, EqualityIsByIdWithinSources)
         { "event and task", make (TAV_TYPE_CALENDAR_ENTRY, "AB1", true), make (TAV_TYPE_CALENDAR_TASK, "AB1", true), FALSE },
         { "two tasks", make (TAV_TYPE_CALENDAR_TASK, "t1", true), make (TAV_TYPE_CALENDAR_TASK, "T1", true), TRUE },
         { "no IDs yet", make (TAV_TYPE_CALENDAR_ENTRY, nullptr, true), make (TAV_TYPE_CALENDAR_ENTRY, nullptr, true), FALSE },
+        /* Only the IDs count, not which calendar holds them. */
+        { "same ID in another source", make (TAV_TYPE_CALENDAR_ENTRY, "AB1", true), in_home ("ab1"), TRUE },
     };
     for (const auto &row : rows) {
         SCOPED_TRACE (row.label);
