@@ -19,8 +19,13 @@ export PKG_CONFIG_PATH=$root/pc
 cflags=$(pkg-config --cflags libcalendarui)
 libs=$(pkg-config --libs libcalendarui)
 
+# A sanitizer build's library needs a host built the same way.
+sanitize=""
+if ldd "$build/src/libcalendarui.so.0" | grep -q libasan; then
+  sanitize="-fsanitize=address,undefined"
+fi
 # GTK 2 headers use GLib names that newer GLib marks deprecated.
-cc -std=c99 -Wall -Werror -DGLIB_DISABLE_DEPRECATION_WARNINGS $cflags -o "$root/host" "$source/tests/c-client/CClient.c" $libs
+cc -std=c99 -Wall -Werror -DGLIB_DISABLE_DEPRECATION_WARNINGS $sanitize $cflags -o "$root/host" "$source/tests/c-client/CClient.c" $libs
 libdir=$(dirname "$(find "$root" -name 'libcalendarui.so.0' | head -n1)")
 LD_LIBRARY_PATH=$libdir "$root/host"
 
