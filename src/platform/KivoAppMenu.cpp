@@ -237,6 +237,7 @@ kivo_app_menu_insert (KivoAppMenu *menu, GtkButton *item, gint position)
                              ? items.size () : static_cast<size_t> (position);
     /* The menu keeps its own reference: hidden items are out of the grid. */
     g_object_ref_sink (widget);
+    gtk_widget_show (widget);
     items.insert (items.begin () + index, widget);
     gtk_widget_set_size_request (widget, -1, KIVO_FINGER_HEIGHT);
     g_signal_connect (widget, "notify::visible", G_CALLBACK (on_item_visibility_cb), menu);
@@ -266,6 +267,7 @@ kivo_app_menu_add_filter (KivoAppMenu *menu, GtkButton *filter)
     if (GTK_IS_TOGGLE_BUTTON (filter))
         gtk_toggle_button_set_mode (GTK_TOGGLE_BUTTON (filter), FALSE);
     gtk_widget_set_size_request (widget, -1, KIVO_FINGER_HEIGHT);
+    gtk_widget_show (widget);
     menu->priv->filters.push_back (widget);
     gtk_box_pack_start (GTK_BOX (menu->priv->filter_row), widget, TRUE, TRUE, 0);
     g_signal_connect_after (widget, "clicked", G_CALLBACK (on_item_clicked_cb), menu);

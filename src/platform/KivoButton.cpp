@@ -77,10 +77,13 @@ build_layout (KivoButton *button)
     }
     if (priv->arrangement == KIVO_BUTTON_ARRANGEMENT_VERTICAL) {
         priv->texts = gtk_vbox_new (FALSE, 2);
+        gtk_label_set_ellipsize (GTK_LABEL (priv->title), PANGO_ELLIPSIZE_END);
         gtk_misc_set_alignment (GTK_MISC (priv->value), 0.0, 0.5);
     } else {
         priv->texts = gtk_hbox_new (FALSE, KIVO_MARGIN_DOUBLE);
         gtk_misc_set_alignment (GTK_MISC (priv->value), 1.0, 0.5);
+        /* Side by side the title keeps its full width; the value gives way. */
+        gtk_label_set_ellipsize (GTK_LABEL (priv->title), PANGO_ELLIPSIZE_NONE);
     }
     gtk_box_pack_start (GTK_BOX (priv->texts), priv->title, FALSE, FALSE, 0);
     gtk_box_pack_start (GTK_BOX (priv->texts), priv->value,

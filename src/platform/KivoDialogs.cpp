@@ -74,6 +74,7 @@ kivo_wizard_dialog_new (GtkWindow *parent, const char *title, GtkNotebook *noteb
     g_return_val_if_fail (GTK_IS_NOTEBOOK (notebook), NULL);
     KivoWizardDialog *wizard = KIVO_WIZARD_DIALOG (g_object_new (KIVO_TYPE_WIZARD_DIALOG, nullptr));
     gtk_window_set_title (GTK_WINDOW (wizard), title ? title : "");
+    kivo_style_decorate_dialog (GTK_WIDGET (wizard), title);
     if (parent)
         gtk_window_set_transient_for (GTK_WINDOW (wizard), parent);
     wizard->notebook = notebook;

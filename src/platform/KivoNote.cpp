@@ -48,6 +48,7 @@ kivo_note_init (KivoNote *note)
     gtk_box_pack_start (GTK_BOX (gtk_dialog_get_content_area (dialog)), note->priv->label, TRUE, TRUE, 0);
     gtk_widget_show (note->priv->label);
     gtk_button_box_set_layout (GTK_BUTTON_BOX (gtk_dialog_get_action_area (dialog)), GTK_BUTTONBOX_SPREAD);
+    kivo_style_decorate_dialog (GTK_WIDGET (note), nullptr);
 }
 
 static GtkWidget *

@@ -290,6 +290,8 @@ kivo_picker_button_open_picker (KivoPickerButton *button)
     if (GTK_IS_WINDOW (toplevel))
         gtk_window_set_transient_for (GTK_WINDOW (priv->dialog), GTK_WINDOW (toplevel));
     gtk_window_set_default_size (GTK_WINDOW (priv->dialog), 600, -1);
+    gtk_window_set_position (GTK_WINDOW (priv->dialog), GTK_WIN_POS_CENTER_ON_PARENT);
+    kivo_style_decorate_dialog (priv->dialog, title);
     if (!single_column (button)) {
         GtkWidget *done = gtk_dialog_add_button (GTK_DIALOG (priv->dialog),
                                                  kivo_picker_button_get_done_button_text (button), GTK_RESPONSE_OK);

@@ -261,7 +261,6 @@ kivo_stackable_window_init (KivoStackableWindow *window)
     priv->title_label = gtk_label_new ("");
     gtk_misc_set_alignment (GTK_MISC (priv->title_label), 0.0, 0.5);
     gtk_misc_set_padding (GTK_MISC (priv->title_label), 16, 0);
-    gtk_label_set_ellipsize (GTK_LABEL (priv->title_label), PANGO_ELLIPSIZE_END);
     priv->menu_arrow = gtk_arrow_new (GTK_ARROW_DOWN, GTK_SHADOW_NONE);
     gtk_widget_set_size_request (priv->menu_arrow, 24, 24);
     priv->back_button = gtk_button_new_with_label ("\342\206\251"); /* ↩ */

@@ -95,6 +95,12 @@ const char kRc[] =
     "  fg[NORMAL] = \"#5F6B7A\"\n"
     "  font_name = \"Sans 11\"\n"
     "}\n"
+    "style \"kivo-toggle-label\" {\n"
+    "  fg[ACTIVE] = \"#FFFFFF\"\n"
+    "}\n"
+    "style \"kivo-dialog-title\" {\n"
+    "  font_name = \"Sans Bold 14\"\n"
+    "}\n"
     "style \"kivo-banner\" {\n"
     "  bg[NORMAL] = \"#2B3645\"\n"
     "  fg[NORMAL] = \"#FFFFFF\"\n"
@@ -105,7 +111,10 @@ const char kRc[] =
     "widget \"*.kivo-title-bar*\" style \"kivo-title-bar\"\n"
     "widget \"*.kivo-button-value\" style \"kivo-value\"\n"
     "widget \"*.kivo-secondary\" style \"kivo-secondary\"\n"
-    "widget \"kivo-banner*\" style \"kivo-banner\"\n";
+    "widget \"kivo-banner*\" style \"kivo-banner\"\n"
+    "widget \"*.kivo-dialog-title\" style \"kivo-dialog-title\"\n"
+    "widget_class \"*GtkToggleButton.GtkLabel\" style \"kivo-toggle-label\"\n"
+    "widget_class \"*GtkRadioButton.GtkLabel\" style \"kivo-toggle-label\"\n";
 
 /* GTK's default drawing, kept for the details we leave alone. */
 struct {
@@ -148,9 +157,11 @@ void kivo_draw_box (GtkStyle *style, GdkWindow *window, GtkStateType state, GtkS
     if (has_detail (detail, "button") || has_detail (detail, "optionmenu")) {
         cairo_t *cr = begin (window, area);
         const bool title = inside_title_bar (widget);
+        /* Radio and check buttons drawn as plain toggles show their state
+         * with the accent colour. */
         const bool toggled = widget && GTK_IS_TOGGLE_BUTTON (widget)
                              && gtk_toggle_button_get_active (GTK_TOGGLE_BUTTON (widget))
-                             && !GTK_IS_CHECK_BUTTON (widget);
+                             && !gtk_toggle_button_get_mode (GTK_TOGGLE_BUTTON (widget));
         kivo_style_rounded_rect (cr, x + 1.5, y + 1.5, width - 3, height - 3, KIVO_CORNER_RADIUS);
         if (title) {
             gdk_cairo_set_source_color (cr, &style->bg[state == GTK_STATE_ACTIVE ? GTK_STATE_ACTIVE : GTK_STATE_NORMAL]);
@@ -348,6 +359,42 @@ kivo_style_paint_surface (GdkWindow *window, const GdkRectangle *clip, int x, in
         cairo_fill (cr);
     }
     cairo_destroy (cr);
+}
+
+static gboolean
+on_dialog_expose_cb (GtkWidget *window, GdkEventExpose *event, gpointer)
+{
+    cairo_t *cr = gdk_cairo_create (window->window);
+    gdk_cairo_region (cr, event->region);
+    cairo_clip (cr);
+    cairo_rectangle (cr, 0, 0, window->allocation.width, window->allocation.height);
+    kivo_style_set_source (cr, KIVO_COLOR_BACKGROUND, 1.0);
+    cairo_fill_preserve (cr);
+    kivo_style_set_source (cr, KIVO_COLOR_TITLE_BAR, 1.0);
+    cairo_set_line_width (cr, 3.0);
+    cairo_stroke (cr);
+    cairo_destroy (cr);
+    if (GtkWidget *child = gtk_bin_get_child (GTK_BIN (window)))
+        gtk_container_propagate_expose (GTK_CONTAINER (window), child, event);
+    return TRUE;
+}
+
+void
+kivo_style_decorate_dialog (GtkWidget *window, const char *title)
+{
+    g_return_if_fail (GTK_IS_WINDOW (window));
+    gtk_widget_set_app_paintable (window, TRUE);
+    g_signal_connect (window, "expose-event", G_CALLBACK (on_dialog_expose_cb), nullptr);
+    if (title && *title && GTK_IS_DIALOG (window)) {
+        GtkWidget *label = gtk_label_new (title);
+        gtk_widget_set_name (label, "kivo-dialog-title");
+        gtk_misc_set_alignment (GTK_MISC (label), 0.0, 0.5);
+        gtk_misc_set_padding (GTK_MISC (label), 12, 10);
+        GtkWidget *content = gtk_dialog_get_content_area (GTK_DIALOG (window));
+        gtk_box_pack_start (GTK_BOX (content), label, FALSE, FALSE, 0);
+        gtk_box_reorder_child (GTK_BOX (content), label, 0);
+        gtk_widget_show (label);
+    }
 }
 
 void

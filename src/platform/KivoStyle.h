@@ -58,6 +58,11 @@ void kivo_style_rounded_rect (cairo_t *cr, double x, double y, double width, dou
 void kivo_style_paint_surface (GdkWindow *window, const GdkRectangle *clip, int x, int y, int width, int height,
                                KivoColorRole fill, gboolean border);
 
+/* Gives a dialog (or popup) the layer's frame: our background, a dark
+ * outline (there is no window manager frame on the handheld) and, for a
+ * GtkDialog, @title in bold at the top of its content (NULL: none). */
+void kivo_style_decorate_dialog (GtkWidget *window, const char *title);
+
 G_END_DECLS
 
 #endif /* KIVO_STYLE_H */
