@@ -52,8 +52,11 @@ relayout_items (KivoAppMenu *menu)
 static gboolean
 pointer_inside (GtkWidget *widget, GdkEventButton *event)
 {
-    if (event->window != widget->window)
-        return TRUE; /* on one of our children */
+    /* Under the menu's grab, presses on other windows come to the menu too. */
+    gpointer owner = nullptr;
+    gdk_window_get_user_data (event->window, &owner);
+    if (owner != widget)
+        return owner && GTK_IS_WIDGET (owner) && gtk_widget_is_ancestor (GTK_WIDGET (owner), widget);
     return event->x >= 0 && event->y >= 0 && event->x < widget->allocation.width
            && event->y < widget->allocation.height;
 }

@@ -10,10 +10,13 @@ namespace kivo {
 void
 KineticScroller::set_limits (double lower, double upper, double overshoot_max)
 {
+    /* Content at rest stays in range when the range shrinks; a spring-back
+     * or flick in progress finishes against the new ends. */
+    const bool resting = !m_dragging && !moving ();
     m_lower = lower;
     m_upper = std::max (lower, upper);
     m_overshoot_max = std::max (0.0, overshoot_max);
-    if (!m_dragging && !moving ())
+    if (resting)
         m_position = clamped_position ();
 }
 

@@ -319,6 +319,15 @@ deliver (KivoPannableArea *area, const GdkEvent *source)
     }
     if (event->type == GDK_BUTTON_PRESS && !target.entered)
         send_crossing (target, GDK_ENTER_NOTIFY, source->button.time, root_x, root_y);
+    if (event->type == GDK_MOTION_NOTIFY) {
+        /* Crossings as X would report them under the implicit grab: a
+         * button pressed and then left is not clicked. */
+        int width = 0, height = 0;
+        gdk_drawable_get_size (target.window.get (), &width, &height);
+        const bool inside = x >= 0 && y >= 0 && x < width && y < height;
+        if (inside != target.entered)
+            send_crossing (target, inside ? GDK_ENTER_NOTIFY : GDK_LEAVE_NOTIFY, source->motion.time, root_x, root_y);
+    }
     gtk_main_do_event (event);
     gdk_event_free (event);
 }

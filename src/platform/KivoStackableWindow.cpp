@@ -20,12 +20,10 @@ struct _KivoStackableWindowPrivate {
     bool disposed = false;
     bool on_stack = false;
     bool is_topmost = false;
-    GtkWidget *layout = nullptr;     /* internal: title area above content */
-    GtkWidget *title_area = nullptr; /* event box named "kivo-title-bar" */
+    GtkWidget *title_area = nullptr; /* internal child above the content */
     GtkWidget *title_label = nullptr;
     GtkWidget *menu_arrow = nullptr;
     GtkWidget *back_button = nullptr;
-    GtkWidget *content = nullptr;    /* where gtk_container_add puts children */
     tav::GRefPtr<KivoAppMenu> menu;
 };
 
@@ -143,27 +141,78 @@ kivo_stackable_window_key_press_event (GtkWidget *widget, GdkEventKey *event)
     return GTK_WIDGET_CLASS (kivo_stackable_window_parent_class)->key_press_event (widget, event);
 }
 
+/* The content is the window's one child, as in any GtkWindow; the title
+ * area is an internal child laid out above it. */
+
 static void
-kivo_stackable_window_add (GtkContainer *container, GtkWidget *child)
+kivo_stackable_window_size_request (GtkWidget *widget, GtkRequisition *requisition)
 {
-    KivoStackableWindow *window = KIVO_STACKABLE_WINDOW (container);
-    gtk_box_pack_start (GTK_BOX (window->priv->content), child, TRUE, TRUE, 0);
+    KivoStackableWindow *window = KIVO_STACKABLE_WINDOW (widget);
+    GTK_WIDGET_CLASS (kivo_stackable_window_parent_class)->size_request (widget, requisition);
+    GtkWidget *title = window->priv->title_area;
+    if (title && gtk_widget_get_visible (title)) {
+        GtkRequisition title_request;
+        gtk_widget_size_request (title, &title_request);
+        requisition->width = MAX (requisition->width, title_request.width);
+        requisition->height += title_request.height;
+    }
+}
+
+static void
+kivo_stackable_window_size_allocate (GtkWidget *widget, GtkAllocation *allocation)
+{
+    KivoStackableWindow *window = KIVO_STACKABLE_WINDOW (widget);
+    GTK_WIDGET_CLASS (kivo_stackable_window_parent_class)->size_allocate (widget, allocation);
+    GtkWidget *title = window->priv->title_area;
+    int title_height = 0;
+    if (title && gtk_widget_get_visible (title)) {
+        GtkRequisition title_request;
+        gtk_widget_get_child_requisition (title, &title_request);
+        title_height = MIN (title_request.height, allocation->height);
+        GtkAllocation title_allocation = { 0, 0, allocation->width, title_height };
+        gtk_widget_size_allocate (title, &title_allocation);
+    }
+    GtkWidget *child = gtk_bin_get_child (GTK_BIN (widget));
+    if (child && gtk_widget_get_visible (child)) {
+        const int border = gtk_container_get_border_width (GTK_CONTAINER (widget));
+        GtkAllocation child_allocation;
+        child_allocation.x = border;
+        child_allocation.y = title_height + border;
+        child_allocation.width = MAX (1, allocation->width - 2 * border);
+        child_allocation.height = MAX (1, allocation->height - title_height - 2 * border);
+        gtk_widget_size_allocate (child, &child_allocation);
+    }
+}
+
+static void
+kivo_stackable_window_map (GtkWidget *widget)
+{
+    KivoStackableWindow *window = KIVO_STACKABLE_WINDOW (widget);
+    GtkWidget *title = window->priv->title_area;
+    if (title && gtk_widget_get_visible (title) && !gtk_widget_get_mapped (title))
+        gtk_widget_map (title);
+    GTK_WIDGET_CLASS (kivo_stackable_window_parent_class)->map (widget);
+}
+
+static void
+kivo_stackable_window_unmap (GtkWidget *widget)
+{
+    GTK_WIDGET_CLASS (kivo_stackable_window_parent_class)->unmap (widget);
+    GtkWidget *title = KIVO_STACKABLE_WINDOW (widget)->priv->title_area;
+    if (title && gtk_widget_get_mapped (title))
+        gtk_widget_unmap (title);
 }
 
 static void
 kivo_stackable_window_remove (GtkContainer *container, GtkWidget *child)
 {
     KivoStackableWindow *window = KIVO_STACKABLE_WINDOW (container);
-    if (child == window->priv->layout) {
-        GTK_CONTAINER_CLASS (kivo_stackable_window_parent_class)->remove (container, child);
-        window->priv->layout = nullptr;
-        window->priv->content = nullptr;
+    if (child == window->priv->title_area) {
+        gtk_widget_unparent (child);
+        window->priv->title_area = nullptr;
         return;
     }
-    if (window->priv->content && gtk_widget_get_parent (child) == window->priv->content)
-        gtk_container_remove (GTK_CONTAINER (window->priv->content), child);
-    else
-        g_warning ("%s: %p is not a child of the window", G_STRFUNC, (void *) child);
+    GTK_CONTAINER_CLASS (kivo_stackable_window_parent_class)->remove (container, child);
 }
 
 static void
@@ -171,12 +220,9 @@ kivo_stackable_window_forall (GtkContainer *container, gboolean include_internal
                               GtkCallback callback, gpointer data)
 {
     KivoStackableWindow *window = KIVO_STACKABLE_WINDOW (container);
-    if (include_internals) {
-        GTK_CONTAINER_CLASS (kivo_stackable_window_parent_class)->forall (container, TRUE, callback, data);
-        return;
-    }
-    if (window->priv->content)
-        gtk_container_foreach (GTK_CONTAINER (window->priv->content), callback, data);
+    if (include_internals && window->priv->title_area)
+        callback (window->priv->title_area, data);
+    GTK_CONTAINER_CLASS (kivo_stackable_window_parent_class)->forall (container, include_internals, callback, data);
 }
 
 static void
@@ -191,20 +237,22 @@ kivo_stackable_window_destroy (GtkObject *object)
         tav::GRefPtr<KivoAppMenu> menu = std::move (window->priv->menu);
         gtk_widget_destroy (GTK_WIDGET (menu.get ()));
     }
+    if (window->priv->title_area)
+        gtk_widget_destroy (window->priv->title_area);
     GTK_OBJECT_CLASS (kivo_stackable_window_parent_class)->destroy (object);
-    if (window->priv->layout)
-        gtk_widget_destroy (window->priv->layout);
 }
 
 static void
 kivo_stackable_window_dispose (GObject *object)
 {
     KivoStackableWindow *window = KIVO_STACKABLE_WINDOW (object);
+    /* The parent's dispose hides and destroys the window, which closes and
+     * destroys the menu; only then is the reference dropped. */
+    G_OBJECT_CLASS (kivo_stackable_window_parent_class)->dispose (object);
     if (!window->priv->disposed) {
         window->priv->disposed = true;
         window->priv->menu = nullptr;
     }
-    G_OBJECT_CLASS (kivo_stackable_window_parent_class)->dispose (object);
 }
 
 static void
@@ -228,9 +276,12 @@ kivo_stackable_window_class_init (KivoStackableWindowClass *klass)
     widget_class->show = kivo_stackable_window_show;
     widget_class->hide = kivo_stackable_window_hide;
     widget_class->key_press_event = kivo_stackable_window_key_press_event;
+    widget_class->size_request = kivo_stackable_window_size_request;
+    widget_class->size_allocate = kivo_stackable_window_size_allocate;
+    widget_class->map = kivo_stackable_window_map;
+    widget_class->unmap = kivo_stackable_window_unmap;
 
     GtkContainerClass *container_class = GTK_CONTAINER_CLASS (klass);
-    container_class->add = kivo_stackable_window_add;
     container_class->remove = kivo_stackable_window_remove;
     container_class->forall = kivo_stackable_window_forall;
 
@@ -252,7 +303,6 @@ kivo_stackable_window_init (KivoStackableWindow *window)
     gtk_window_set_default_size (GTK_WINDOW (window), KIVO_STACKABLE_WINDOW_DEFAULT_WIDTH,
                                  KIVO_STACKABLE_WINDOW_DEFAULT_HEIGHT);
 
-    priv->layout = gtk_vbox_new (FALSE, 0);
     priv->title_area = gtk_event_box_new ();
     gtk_widget_set_name (priv->title_area, "kivo-title-bar");
     gtk_widget_set_size_request (priv->title_area, -1, 56);
@@ -275,12 +325,7 @@ kivo_stackable_window_init (KivoStackableWindow *window)
     gtk_widget_hide (priv->menu_arrow);
     gtk_widget_hide (priv->back_button);
 
-    priv->content = gtk_vbox_new (FALSE, 0);
-    gtk_box_pack_start (GTK_BOX (priv->layout), priv->title_area, FALSE, FALSE, 0);
-    gtk_box_pack_start (GTK_BOX (priv->layout), priv->content, TRUE, TRUE, 0);
-    gtk_widget_show (priv->content);
-    gtk_widget_show (priv->layout);
-    GTK_CONTAINER_CLASS (kivo_stackable_window_parent_class)->add (GTK_CONTAINER (window), priv->layout);
+    gtk_widget_set_parent (priv->title_area, GTK_WIDGET (window));
 
     g_signal_connect (window, "notify::title", G_CALLBACK (on_title_notify_cb), window);
     g_signal_connect (priv->title_area, "button-release-event", G_CALLBACK (on_title_area_button_release_cb), window);
@@ -371,7 +416,7 @@ kivo_stackable_window_update_topmost (KivoStackableWindow *window)
     g_return_if_fail (KIVO_IS_STACKABLE_WINDOW (window));
     const bool topmost = window->priv->on_stack
                          && kivo_window_stack_peek (kivo_window_stack_get_default ()) == GTK_WIDGET (window);
-    if (window->priv->layout)
+    if (window->priv->title_area)
         update_back_button (window);
     if (topmost == window->priv->is_topmost)
         return;
