@@ -256,3 +256,24 @@ TEST (PannableArea, DrivesChildrenThatScrollThemselves)
     g_object_unref (other);
     gtk_widget_destroy (window);
 }
+
+TEST (PannableArea, ATapFocusesAnEntryInside)
+{
+    REQUIRE_XTEST ();
+    GtkWidget *window = make_test_window (400, 300);
+    GtkWidget *area = kivo_pannable_area_new ();
+    GtkWidget *box = gtk_vbox_new (FALSE, 0);
+    GtkWidget *first = gtk_entry_new ();
+    GtkWidget *second = gtk_entry_new ();
+    gtk_box_pack_start (GTK_BOX (box), first, FALSE, FALSE, 0);
+    gtk_box_pack_start (GTK_BOX (box), second, FALSE, FALSE, 0);
+    kivo_pannable_area_add_with_viewport (KIVO_PANNABLE_AREA (area), box);
+    gtk_container_add (GTK_CONTAINER (window), area);
+    gtk_widget_show_all (window);
+    flush_events ();
+    gtk_widget_grab_focus (first);
+    PointerDriver::tap (second, 30, second->allocation.height / 2);
+    flush_events ();
+    EXPECT_TRUE (gtk_widget_has_focus (second));
+    gtk_widget_destroy (window);
+}
