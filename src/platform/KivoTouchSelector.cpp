@@ -100,7 +100,7 @@ kivo_touch_selector_init (KivoTouchSelector *selector)
     selector->priv->row = gtk_hbox_new (TRUE, KIVO_MARGIN_DEFAULT);
     gtk_box_pack_start (GTK_BOX (selector), selector->priv->row, TRUE, TRUE, 0);
     gtk_widget_show (selector->priv->row);
-    gtk_widget_set_size_request (GTK_WIDGET (selector), -1, 5 * KIVO_FINGER_HEIGHT);
+    gtk_widget_set_size_request (GTK_WIDGET (selector), -1, 4 * KIVO_FINGER_HEIGHT + KIVO_FINGER_HEIGHT / 2);
 }
 
 /* Public API */

@@ -278,3 +278,33 @@ TEST (AppMenu, HiddenItemsLeaveNoGap)
     EXPECT_FALSE (gdk_pointer_is_grabbed ());
     EXPECT_EQ (gtk_grab_get_current (), nullptr) << (gtk_grab_get_current () ? G_OBJECT_TYPE_NAME (gtk_grab_get_current ()) : "");
 }
+
+TEST (WindowStack, TheBackButtonOfACoveringWindowClosesIt)
+{
+    REQUIRE_DISPLAY ();
+    if (!PointerDriver::available ())
+        GTEST_SKIP () << "no XTest";
+    GtkWidget *below = kivo_stackable_window_new ();
+    gtk_window_move (GTK_WINDOW (below), 0, 0);
+    gtk_widget_show (below);
+    flush_events ();
+    GtkWidget *above = kivo_stackable_window_new ();
+    gtk_widget_show (above);
+    flush_events ();
+    /* The back button sits at the right end of the title area. */
+    GtkWidget *title = kivo_stackable_window_get_title_area (KIVO_STACKABLE_WINDOW (above));
+    bool destroyed = false;
+    g_signal_connect (above, "destroy", G_CALLBACK (+[] (GtkWidget *, gpointer d) { *static_cast<bool *> (d) = true; }),
+                      &destroyed);
+    const int back_x = title->allocation.width - 30, back_y = title->allocation.height / 2;
+    PointerDriver::tap (title, back_x, back_y);
+    flush_events ();
+    EXPECT_TRUE (destroyed);
+    EXPECT_EQ (kivo_window_stack_peek (kivo_window_stack_get_default ()), below);
+    EXPECT_TRUE (kivo_stackable_window_get_is_topmost (KIVO_STACKABLE_WINDOW (below)));
+    /* The bottom window has no way back. */
+    PointerDriver::tap (kivo_stackable_window_get_title_area (KIVO_STACKABLE_WINDOW (below)), back_x, back_y);
+    flush_events ();
+    EXPECT_TRUE (gtk_widget_get_visible (below));
+    gtk_widget_destroy (below);
+}

@@ -27,6 +27,7 @@ struct Gallery {
     GtkWidget *window = nullptr;
     GtkWidget *area = nullptr;
     GtkWidget *picker = nullptr;
+    GtkWidget *date = nullptr;
     GtkWidget *list = nullptr;
 };
 
@@ -132,7 +133,7 @@ build (Gallery &gallery)
     kivo_picker_button_set_selector (KIVO_PICKER_BUTTON (week), KIVO_TOUCH_SELECTOR (week_selector));
     kivo_picker_button_set_active (KIVO_PICKER_BUTTON (week), 0);
     gtk_box_pack_start (GTK_BOX (box), pair (gallery.picker, week), FALSE, FALSE, 0);
-    GtkWidget *date = kivo_date_button_new (KIVO_SIZE_FINGER_HEIGHT, KIVO_BUTTON_ARRANGEMENT_VERTICAL);
+    GtkWidget *date = gallery.date = kivo_date_button_new (KIVO_SIZE_FINGER_HEIGHT, KIVO_BUTTON_ARRANGEMENT_VERTICAL);
     kivo_date_button_set_date (KIVO_DATE_BUTTON (date), 2026, 10, 23);
     GtkWidget *time = kivo_time_button_new (KIVO_SIZE_FINGER_HEIGHT, KIVO_BUTTON_ARRANGEMENT_VERTICAL);
     kivo_time_button_set_time (KIVO_TIME_BUTTON (time), 14, 30);
@@ -241,6 +242,15 @@ screenshots (Gallery &gallery, const std::string &dir)
     ok &= capture (window, dir + "/gallery-picker.png");
     gtk_dialog_response (GTK_DIALOG (kivo_picker_button_get_picker_dialog (KIVO_PICKER_BUTTON (gallery.picker))),
                          GTK_RESPONSE_CANCEL);
+
+    kivo_picker_button_open_picker (KIVO_PICKER_BUTTON (gallery.date));
+    ok &= capture (window, dir + "/gallery-date.png");
+    gtk_dialog_response (GTK_DIALOG (kivo_picker_button_get_picker_dialog (KIVO_PICKER_BUTTON (gallery.date))),
+                         GTK_RESPONSE_CANCEL);
+
+    GtkAdjustment *v = kivo_pannable_area_get_vadjustment (KIVO_PANNABLE_AREA (gallery.area));
+    kivo_pannable_area_scroll_to (KIVO_PANNABLE_AREA (gallery.area), -1, static_cast<int> (v->upper));
+    ok &= capture (window, dir + "/gallery-bottom.png");
 
     GtkWidget *note = kivo_note_new_confirmation (GTK_WINDOW (window), "Delete the event \"Design review\"?");
     gtk_widget_show (note);
