@@ -197,6 +197,7 @@ kivo_button_class_init (KivoButtonClass *klass)
 static void
 kivo_button_init (KivoButton *button)
 {
+    kivo_style_init ();
     void *memory = kivo_button_get_instance_private (button);
     button->priv = new (memory) KivoButtonPrivate ();
     auto *priv = button->priv;

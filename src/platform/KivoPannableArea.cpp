@@ -672,9 +672,11 @@ kivo_pannable_area_button_press_event (GtkWidget *widget, GdkEventButton *event)
         return FALSE; /* bubbling up from the child */
     if (event->type != GDK_BUTTON_PRESS)
         return TRUE;  /* GDK's double-click events come after our own presses */
-    if (gesture.state != Gesture::Idle)
-        return TRUE;
+    if (gesture.state != Gesture::Idle && gesture.button != event->button)
+        return TRUE;  /* a second button during a gesture */
 
+    /* A press while a gesture is still open means its release went
+     * elsewhere (to a menu that popped up meanwhile): start afresh. */
     reset_gesture (area);
     gesture.button = event->button;
     gesture.root_x = event->x_root;
@@ -795,6 +797,24 @@ kivo_pannable_area_button_release_event (GtkWidget *widget, GdkEventButton *even
 }
 
 static gboolean
+kivo_pannable_area_grab_broken_event (GtkWidget *widget, GdkEventGrabBroken *event)
+{
+    /* Someone (a popup menu) took the pointer: the gesture ends here. */
+    KivoPannableArea *area = KIVO_PANNABLE_AREA (widget);
+    auto *priv = area->priv;
+    if (priv->gesture.state == Gesture::Panning) {
+        priv->hscroll.stop ();
+        priv->vscroll.stop ();
+        start_animation (area); /* springs back from any overshoot */
+    } else if (priv->gesture.state != Gesture::Idle) {
+        priv->hscroll.stop ();
+        priv->vscroll.stop ();
+    }
+    reset_gesture (area);
+    return FALSE;
+}
+
+static gboolean
 kivo_pannable_area_scroll_event (GtkWidget *widget, GdkEventScroll *event)
 {
     KivoPannableArea *area = KIVO_PANNABLE_AREA (widget);
@@ -850,6 +870,7 @@ kivo_pannable_area_class_init (KivoPannableAreaClass *klass)
     widget_class->motion_notify_event = kivo_pannable_area_motion_notify_event;
     widget_class->button_release_event = kivo_pannable_area_button_release_event;
     widget_class->scroll_event = kivo_pannable_area_scroll_event;
+    widget_class->grab_broken_event = kivo_pannable_area_grab_broken_event;
 
     GtkContainerClass *container_class = GTK_CONTAINER_CLASS (klass);
     container_class->add = kivo_pannable_area_add;
@@ -885,6 +906,7 @@ kivo_pannable_area_class_init (KivoPannableAreaClass *klass)
 static void
 kivo_pannable_area_init (KivoPannableArea *area)
 {
+    kivo_style_init ();
     void *memory = kivo_pannable_area_get_instance_private (area);
     area->priv = new (memory) KivoPannableAreaPrivate ();
     auto *priv = area->priv;

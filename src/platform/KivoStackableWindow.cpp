@@ -296,6 +296,7 @@ kivo_stackable_window_class_init (KivoStackableWindowClass *klass)
 static void
 kivo_stackable_window_init (KivoStackableWindow *window)
 {
+    kivo_style_init ();
     void *memory = kivo_stackable_window_get_instance_private (window);
     window->priv = new (memory) KivoStackableWindowPrivate ();
     auto *priv = window->priv;

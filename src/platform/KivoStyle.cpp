@@ -400,26 +400,29 @@ kivo_style_decorate_dialog (GtkWidget *window, const char *title)
 void
 kivo_style_init (void)
 {
-    static gsize done = 0;
-    if (!g_once_init_enter (&done))
-        return;
-
-    auto *klass = static_cast<GtkStyleClass *> (g_type_class_ref (GTK_TYPE_STYLE));
-    gDefault.draw_box = klass->draw_box;
-    gDefault.draw_shadow = klass->draw_shadow;
-    gDefault.draw_check = klass->draw_check;
-    gDefault.draw_option = klass->draw_option;
-    gDefault.draw_flat_box = klass->draw_flat_box;
-    klass->draw_box = kivo_draw_box;
-    klass->draw_shadow = kivo_draw_shadow;
-    klass->draw_focus = kivo_draw_focus;
-    klass->draw_check = kivo_draw_check;
-    klass->draw_option = kivo_draw_option;
-    klass->draw_flat_box = kivo_draw_flat_box;
-
-    if (gdk_display_get_default ()) {
+    /* The drawing is replaced once per process; the gtkrc needs a display,
+     * so a process that touched our types before opening one gets it on a
+     * later call. */
+    static gsize drawing_done = 0;
+    if (g_once_init_enter (&drawing_done)) {
+        auto *klass = static_cast<GtkStyleClass *> (g_type_class_ref (GTK_TYPE_STYLE));
+        gDefault.draw_box = klass->draw_box;
+        gDefault.draw_shadow = klass->draw_shadow;
+        gDefault.draw_check = klass->draw_check;
+        gDefault.draw_option = klass->draw_option;
+        gDefault.draw_flat_box = klass->draw_flat_box;
+        klass->draw_box = kivo_draw_box;
+        klass->draw_shadow = kivo_draw_shadow;
+        klass->draw_focus = kivo_draw_focus;
+        klass->draw_check = kivo_draw_check;
+        klass->draw_option = kivo_draw_option;
+        klass->draw_flat_box = kivo_draw_flat_box;
+        g_once_init_leave (&drawing_done, 1);
+    }
+    static bool rc_done = false;
+    if (!rc_done && gdk_display_get_default ()) {
+        rc_done = true;
         gtk_rc_parse_string (kRc);
         gtk_rc_reset_styles (gtk_settings_get_default ());
     }
-    g_once_init_leave (&done, 1);
 }

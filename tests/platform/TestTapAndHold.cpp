@@ -216,5 +216,29 @@ TEST (TapAndHold, WorksInsideAPannableArea)
     flush_events ();
     EXPECT_EQ (holds, 1);
     EXPECT_GT (gtk_adjustment_get_value (kivo_pannable_area_get_vadjustment (KIVO_PANNABLE_AREA (area))), 50.0);
+
+    /* A menu that pops up under the finger takes its release; the area
+     * still answers the next tap. */
+    GtkWidget *menu = kivo_gtk_menu_new ();
+    gtk_menu_shell_append (GTK_MENU_SHELL (menu), gtk_menu_item_new_with_label ("Delete"));
+    gtk_widget_tap_and_hold_setup (box, menu, nullptr, KIVO_TAP_AND_HOLD_NONE);
+    PointerDriver::move_to (area, 100, 100);
+    PointerDriver::press (1);
+    PointerDriver::wait (KIVO_PANNABLE_AREA_PRESS_DELAY_MS + KIVO_TAP_AND_HOLD_DELAY_MS + 300);
+    PointerDriver::release (1);
+    flush_events ();
+    EXPECT_EQ (holds, 2);
+    ASSERT_TRUE (gtk_widget_get_mapped (menu));
+    gtk_menu_popdown (GTK_MENU (menu));
+    flush_events ();
+    int presses = 0;
+    g_signal_connect (box, "button-press-event", G_CALLBACK (+[] (GtkWidget *, GdkEventButton *, gpointer d) -> gboolean {
+        ++*static_cast<int *> (d);
+        return FALSE;
+    }), &presses);
+    PointerDriver::tap (area, 100, 100);
+    flush_events ();
+    EXPECT_EQ (presses, 1);
+    gtk_widget_destroy (menu);
     gtk_widget_destroy (window);
 }
