@@ -104,11 +104,50 @@ kivo_note_get_cancel_button (KivoNote *note)
     return note->priv->cancel;
 }
 
+namespace {
+
+const char kGuardKey[] = "kivo-menu-guard";
+const char kSkipReleaseKey[] = "kivo-menu-skip-release";
+
+/* A menu that comes up under a resting finger (tap-and-hold) must not take
+ * the release of that same finger as a choice, nor as a tap outside it. */
+void
+on_guarded_menu_map_cb (GtkWidget *menu, gpointer)
+{
+    GdkModifierType mask = static_cast<GdkModifierType> (0);
+    gdk_display_get_pointer (gtk_widget_get_display (menu), nullptr, nullptr, nullptr, &mask);
+    const bool held = mask & (GDK_BUTTON1_MASK | GDK_BUTTON2_MASK | GDK_BUTTON3_MASK);
+    g_object_set_data (G_OBJECT (menu), kSkipReleaseKey, GINT_TO_POINTER (held));
+}
+
+gboolean
+on_guarded_menu_release_cb (GtkWidget *menu, GdkEventButton *, gpointer)
+{
+    if (!g_object_get_data (G_OBJECT (menu), kSkipReleaseKey))
+        return FALSE;
+    g_object_set_data (G_OBJECT (menu), kSkipReleaseKey, nullptr);
+    return TRUE;
+}
+
+} // namespace
+
+void
+kivo_menu_guard_held_release (GtkWidget *menu)
+{
+    g_return_if_fail (GTK_IS_MENU (menu));
+    if (g_object_get_data (G_OBJECT (menu), kGuardKey))
+        return;
+    g_object_set_data (G_OBJECT (menu), kGuardKey, GINT_TO_POINTER (1));
+    g_signal_connect (menu, "map", G_CALLBACK (on_guarded_menu_map_cb), nullptr);
+    g_signal_connect (menu, "button-release-event", G_CALLBACK (on_guarded_menu_release_cb), nullptr);
+}
+
 GtkWidget *
 kivo_gtk_menu_new (void)
 {
     kivo_style_init ();
     GtkWidget *menu = gtk_menu_new ();
+    kivo_menu_guard_held_release (menu);
     gtk_widget_set_name (menu, "kivo-context-menu");
     gtk_widget_set_size_request (menu, 320, -1);
     return menu;

@@ -39,8 +39,12 @@ const char *kivo_note_get_description (KivoNote *note);
 GtkWidget *kivo_note_get_ok_button (KivoNote *note);
 GtkWidget *kivo_note_get_cancel_button (KivoNote *note);
 
-/* A popup menu with finger-sized items, for context menus. */
+/* A popup menu with finger-sized items, for context menus. When it pops up
+ * under a finger that is still down, the release of that finger neither
+ * chooses an item nor closes it. */
 GtkWidget *kivo_gtk_menu_new (void);
+/* Gives any GtkMenu that behaviour. */
+void kivo_menu_guard_held_release (GtkWidget *menu);
 
 G_END_DECLS
 

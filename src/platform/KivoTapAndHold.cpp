@@ -2,6 +2,7 @@
 
 #include "KivoTapAndHold.h"
 
+#include "KivoNote.h"
 #include "TavGPtr.h"
 
 #include <gdk/gdkkeysyms.h>
@@ -12,7 +13,6 @@ namespace {
 guint query_signal = 0;
 guint hold_signal = 0;
 const char kDataKey[] = "kivo-tap-and-hold";
-const char kMenuReleaseKey[] = "kivo-tap-and-hold-skip-release";
 
 struct TapAndHold {
     GtkWidget *widget = nullptr;
@@ -52,28 +52,13 @@ free_tap_and_hold (gpointer data)
     delete tap;
 }
 
-/* A menu that pops up under a resting finger must not take the release of
- * that same finger as a choice (or as a click outside it). */
-gboolean
-on_menu_button_release_cb (GtkWidget *menu, GdkEventButton *, gpointer)
-{
-    if (g_object_get_data (G_OBJECT (menu), kMenuReleaseKey)) {
-        g_object_set_data (G_OBJECT (menu), kMenuReleaseKey, nullptr);
-        return TRUE;
-    }
-    return FALSE;
-}
-
 void
-popup_menu (TapAndHold *tap, guint button, guint32 time)
+popup_menu (TapAndHold *tap, guint32 time)
 {
     GtkWidget *menu = tap->menu.get ();
     if (!menu)
         return;
-    if (!g_signal_handler_find (menu, G_SIGNAL_MATCH_FUNC, 0, 0, nullptr,
-                                reinterpret_cast<gpointer> (on_menu_button_release_cb), nullptr))
-        g_signal_connect (menu, "button-release-event", G_CALLBACK (on_menu_button_release_cb), nullptr);
-    g_object_set_data (G_OBJECT (menu), kMenuReleaseKey, GINT_TO_POINTER (button != 0));
+    kivo_menu_guard_held_release (menu);
     if (!gtk_menu_get_attach_widget (GTK_MENU (menu)) && gtk_widget_get_toplevel (tap->widget))
         gtk_menu_set_screen (GTK_MENU (menu), gtk_widget_get_screen (tap->widget));
     gtk_widget_show_all (menu);
@@ -116,7 +101,7 @@ fire (TapAndHold *tap, guint button, guint32 time)
     if (!(tap->flags & KIVO_TAP_AND_HOLD_NO_SIGNALS))
         g_signal_emit (tap->widget, hold_signal, 0);
     if (!(tap->flags & KIVO_TAP_AND_HOLD_NO_INTERNALS))
-        popup_menu (tap, button, time);
+        popup_menu (tap, time);
 }
 
 gboolean

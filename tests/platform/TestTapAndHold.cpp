@@ -242,3 +242,50 @@ TEST (TapAndHold, WorksInsideAPannableArea)
     gtk_widget_destroy (menu);
     gtk_widget_destroy (window);
 }
+
+TEST (TapAndHold, AMenuPoppedByTheHandlerIgnoresTheLiftedFinger)
+{
+    REQUIRE_DISPLAY ();
+    if (!PointerDriver::available ())
+        GTEST_SKIP () << "no XTest";
+    /* As the week view does: no internals, its handler pops its own menu. */
+    HoldFixture f;
+    struct Ctx {
+        GtkWidget *menu;
+        GtkWidget *item;
+        int activated = 0;
+    } ctx;
+    ctx.menu = kivo_gtk_menu_new ();
+    ctx.item = gtk_menu_item_new_with_label ("Edit");
+    gtk_menu_shell_append (GTK_MENU_SHELL (ctx.menu), ctx.item);
+    gtk_widget_show_all (ctx.menu);
+    g_signal_connect (ctx.item, "activate", G_CALLBACK (+[] (GtkMenuItem *, gpointer d) {
+        static_cast<Ctx *> (d)->activated++;
+    }), &ctx);
+    gtk_widget_tap_and_hold_setup (f.target, nullptr, nullptr, KIVO_TAP_AND_HOLD_NO_INTERNALS);
+    g_signal_connect (f.target, "tap-and-hold", G_CALLBACK (+[] (GtkWidget *, gpointer d) {
+        gtk_menu_popup (GTK_MENU (static_cast<Ctx *> (d)->menu), nullptr, nullptr, nullptr, nullptr, 1,
+                        gtk_get_current_event_time ());
+    }), &ctx);
+
+    struct Case {
+        const char *label;
+        guint button;
+        int hold_ms;
+    };
+    for (const Case &c : { Case { "held first button", 1, KIVO_TAP_AND_HOLD_DELAY_MS + 300 }, Case { "right button", 3, 0 } }) {
+        PointerDriver::move_to (f.target, 60, 60);
+        PointerDriver::press (c.button);
+        PointerDriver::wait (c.hold_ms);
+        ASSERT_TRUE (gtk_widget_get_mapped (ctx.menu)) << c.label;
+        PointerDriver::move_to (ctx.item, 20, 10);
+        PointerDriver::wait (600);
+        PointerDriver::release (c.button);
+        flush_events ();
+        EXPECT_TRUE (gtk_widget_get_mapped (ctx.menu)) << c.label;
+        EXPECT_EQ (ctx.activated, 0) << c.label;
+        gtk_menu_popdown (GTK_MENU (ctx.menu));
+        flush_events ();
+    }
+    gtk_widget_destroy (ctx.menu);
+}
