@@ -3,7 +3,8 @@
  * A KivoStackableWindow is a top-level window with a title area that opens
  * its application menu. Showing it pushes it on the default window stack,
  * where it takes the size and position of the window below and covers it,
- * as windows do on a handheld; hiding or destroying it pops it.
+ * as windows do on a handheld; hiding or destroying it pops it. A window
+ * that covers another shows a back button that asks it to close.
  */
 #ifndef KIVO_STACKABLE_WINDOW_H
 #define KIVO_STACKABLE_WINDOW_H

@@ -277,3 +277,26 @@ TEST (PannableArea, ATapFocusesAnEntryInside)
     EXPECT_TRUE (gtk_widget_has_focus (second));
     gtk_widget_destroy (window);
 }
+
+TEST (PannableArea, ScrollToChildBringsItIntoView)
+{
+    REQUIRE_DISPLAY ();
+    PanFixture f;
+    GtkAdjustment *v = kivo_pannable_area_get_vadjustment (KIVO_PANNABLE_AREA (f.area));
+    struct Case {
+        const char *label;
+        int row;
+        double expected;
+    };
+    const Case cases[] = {
+        { "a row below the view ends up at its bottom", 10, 11 * kRowHeight - v->page_size },
+        { "a row already in view does not move it", 9, 11 * kRowHeight - v->page_size },
+        { "a row above the view ends up at its top", 2, 2 * kRowHeight },
+        { "the last row", kRows - 1, v->upper - v->page_size },
+        { "the first row", 0, 0 },
+    };
+    for (const Case &c : cases) {
+        kivo_pannable_area_scroll_to_child (KIVO_PANNABLE_AREA (f.area), f.buttons[c.row]);
+        EXPECT_EQ (v->value, c.expected) << c.label;
+    }
+}
