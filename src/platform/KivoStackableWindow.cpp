@@ -35,7 +35,11 @@ static void
 update_title_label (KivoStackableWindow *window)
 {
     const char *title = gtk_window_get_title (GTK_WINDOW (window));
-    gtk_label_set_text (GTK_LABEL (window->priv->title_label), title ? title : "");
+    GtkLabel *label = GTK_LABEL (window->priv->title_label);
+    gtk_label_set_text (label, title ? title : "");
+    /* Short titles take their own width; long ones are cut with an ellipsis
+     * rather than widening the window. */
+    gtk_label_set_width_chars (label, title ? MIN (static_cast<int> (g_utf8_strlen (title, -1)), 36) : 0);
 }
 
 static void
@@ -312,6 +316,7 @@ kivo_stackable_window_init (KivoStackableWindow *window)
     priv->title_label = gtk_label_new ("");
     gtk_misc_set_alignment (GTK_MISC (priv->title_label), 0.0, 0.5);
     gtk_misc_set_padding (GTK_MISC (priv->title_label), 16, 0);
+    gtk_label_set_ellipsize (GTK_LABEL (priv->title_label), PANGO_ELLIPSIZE_END);
     priv->menu_arrow = gtk_arrow_new (GTK_ARROW_DOWN, GTK_SHADOW_NONE);
     gtk_widget_set_size_request (priv->menu_arrow, 24, 24);
     priv->back_button = gtk_button_new_with_label ("\342\206\251"); /* ↩ */

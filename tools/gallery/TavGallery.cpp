@@ -252,6 +252,15 @@ screenshots (Gallery &gallery, const std::string &dir)
     kivo_pannable_area_scroll_to (KIVO_PANNABLE_AREA (gallery.area), -1, static_cast<int> (v->upper));
     ok &= capture (window, dir + "/gallery-bottom.png");
 
+    GtkWidget *stacked = kivo_stackable_window_new ();
+    gtk_window_set_title (GTK_WINDOW (stacked), "Monday 23 November 2026 - a stacked window covers the one below");
+    GtkWidget *message = gtk_label_new ("A pushed window takes the place of the one below.\n"
+                                        "Its back button returns there.");
+    gtk_container_add (GTK_CONTAINER (stacked), message);
+    gtk_widget_show_all (stacked);
+    ok &= capture (stacked, dir + "/gallery-stacked.png");
+    gtk_widget_destroy (stacked);
+
     GtkWidget *note = kivo_note_new_confirmation (GTK_WINDOW (window), "Delete the event \"Design review\"?");
     gtk_widget_show (note);
     ok &= capture (window, dir + "/gallery-note.png");
