@@ -43,7 +43,7 @@ struct Row {
  * in alternating rounds and each keeps its best round, so that other load
  * on the machine hits both alike. */
 Row compare (const char *what, const std::function<long ()> &ours, const std::function<long ()> &baseline, long calls,
-             double target, int rounds = 15)
+             double target, int rounds = 41)
 {
     Row row = { what, 1e300, 1e300, target };
     for (int r = 0; r < rounds; r++) {
@@ -71,7 +71,7 @@ int main ()
         dates[i] = { year (rng), month (rng), day (rng) };
         counts[i] = count (rng);
     }
-    constexpr int REPS = 200;
+    constexpr int REPS = 50;
     constexpr long CALLS = static_cast<long> (N) * REPS;
 
     std::vector<Row> rows;

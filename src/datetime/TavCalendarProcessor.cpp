@@ -79,19 +79,30 @@ inline int date_cmp (const TavDate &a, const TavDate &b)
     return a.day < b.day ? -1 : a.day > b.day ? 1 : 0;
 }
 
-/* tav_date_compare's result, without the call. */
+/* tav_date_compare's result (the first differing field's difference,
+ * saturated to the int range), without the call. */
 inline int date_difference (const TavDate &a, const TavDate &b)
 {
+    int64_t d;
     if (a.year != b.year)
-        return a.year - b.year;
-    if (a.month != b.month)
-        return a.month - b.month;
-    return a.day - b.day;
+        d = static_cast<int64_t> (a.year) - b.year;
+    else if (a.month != b.month)
+        d = static_cast<int64_t> (a.month) - b.month;
+    else
+        d = static_cast<int64_t> (a.day) - b.day;
+    return static_cast<int> (std::clamp<int64_t> (d, std::numeric_limits<int>::min (), std::numeric_limits<int>::max ()));
 }
 
 inline bool same_date (const TavDate &a, const TavDate &b)
 {
     return a.year == b.year && a.month == b.month && a.day == b.day;
+}
+
+/* Field arithmetic at the ends of the int range wraps around instead of
+ * overflowing: such dates have no meaning, but must not be undefined. */
+inline int wrap_add (int a, int b)
+{
+    return static_cast<int> (static_cast<unsigned> (a) + static_cast<unsigned> (b));
 }
 
 inline int64_t floor_div (int64_t a, int64_t b)
@@ -209,7 +220,7 @@ inline bool gregorian_leap (int year)
 int week_number (const Priv &priv, const TavDate &date)
 {
     const TavDate jan1 = { date.year, 0, 1 };
-    const TavDate next_jan1 = { date.year + 1, 0, 1 };
+    const TavDate next_jan1 = { wrap_add (date.year, 1), 0, 1 };
     int p1, pn, pd;
     if (year_is_plain_gregorian (priv, date.year) && date.month >= 0 && date.month <= 11 && date.day > -1000
         && date.day < 1000) {
@@ -230,7 +241,7 @@ int week_number (const Priv &priv, const TavDate &date)
     /* Days before the first week that holds four days of the year belong
      * to the last week of the previous year. */
     if (date.month == 0 && p1 > 3 && date.day < 8 - p1) {
-        const TavDate dec31 = { date.year - 1, 11, 31 };
+        const TavDate dec31 = { wrap_add (date.year, -1), 11, 31 };
         return week_number (priv, dec31);
     }
     /* Days of the week that holds the next 1 January, when that week is
@@ -252,12 +263,12 @@ void step_forward (const Priv &priv, TavDate &date)
             return;
         }
     }
-    date.day++;
+    date.day = wrap_add (date.day, 1);
     if (date.day > month_len (priv, date.year, date.month)) {
         date.day = 1;
         if (++date.month > 11) {
             date.month = 0;
-            date.year++;
+            date.year = wrap_add (date.year, 1);
         }
     }
 }
@@ -273,11 +284,11 @@ void step_back (const Priv &priv, TavDate &date)
     if (date.day == 1) {
         if (--date.month < 0) {
             date.month = 11;
-            date.year--;
+            date.year = wrap_add (date.year, -1);
         }
         date.day = month_len (priv, date.year, date.month);
     } else {
-        date.day--;
+        date.day = wrap_add (date.day, -1);
     }
 }
 
@@ -454,11 +465,6 @@ private:
     const ReformOrdinals *m_consts;
 };
 
-inline bool is_valid_day (const Priv &priv, const TavDate &date)
-{
-    return date.day >= 1 && date.day <= month_len (priv, date.year, date.month);
-}
-
 /* @ndays forward steps. The month must be 0..11. */
 void forward_by_days (const Priv &priv, TavDate &date, int64_t ndays)
 {
@@ -546,7 +552,7 @@ TavDate valid_ceiling (const Priv &priv, TavDate date)
     if (date.month < 0)
         return TavDate { date.year, 0, 1 };
     if (date.month > 11)
-        return TavDate { date.year + 1, 0, 1 };
+        return TavDate { wrap_add (date.year, 1), 0, 1 };
     if (date.day < 1)
         date.day = 1;
     else if (date.day > month_len (priv, date.year, date.month))
@@ -592,6 +598,20 @@ int64_t steps_until (const Priv &priv, TavDate from, const TavDate &to)
         return steps + o_to - o_from - ord.gap ();
     }
     return steps + o_to - o_from;
+}
+
+/* Steps @date one day at a time until its weekday is @weekday. A week is
+ * at most a few steps even over a reform jump; the bound only matters for
+ * dates so far outside any calendar that their day number, and so their
+ * weekday, is pinned at the end of its range. */
+void walk_to_weekday (const Priv &priv, TavDate &date, int weekday, bool forward)
+{
+    for (int steps = 0; steps < 14 && day_of_week (priv, date) != weekday; steps++) {
+        if (forward)
+            step_forward (priv, date);
+        else
+            step_back (priv, date);
+    }
 }
 
 inline Priv &priv_of (TavCalendarProcessor *processor)
@@ -779,7 +799,7 @@ int tav_calendar_processor_date_to_day_of_year (TavCalendarProcessor *processor,
     g_return_val_if_fail (TAV_IS_CALENDAR_PROCESSOR(processor), -1);
     g_return_val_if_fail (date != NULL, -1);
     g_return_val_if_fail (date->month >= 0 && date->month <= 11, -1);
-    return kDaysBeforeMonth[is_leap (priv_of (processor), date->year)][date->month] + date->day;
+    return wrap_add (kDaysBeforeMonth[is_leap (priv_of (processor), date->year)][date->month], date->day);
 }
 
 int tav_calendar_processor_month_length (TavCalendarProcessor *processor, int year, guint month)
@@ -869,7 +889,7 @@ void tav_calendar_processor_inc_month_by_count (TavCalendarProcessor *processor,
         date->month = static_cast<int> (sum % 12);
     /* However many years the count spans, the year moves by one at most. */
     if (date->month < old_month)
-        date->year++;
+        date->year = wrap_add (date->year, 1);
     while (month_len (priv, date->year, date->month) < date->day)
         date->day--;
 }
@@ -899,16 +919,16 @@ gboolean tav_calendar_processor_get_week (TavCalendarProcessor *processor, int y
     for (;;) {
         if (week_number (priv, start) == static_cast<int> (week) && (start.month == 11 || week <= 51))
             break;
-        if (start.year > year && start.day > 4)
+        /* Stepping starts on 1 January of @year, so any other year is the
+         * next one (compared for inequality: it may wrap at the int limit). */
+        if (start.year != year && start.day > 4)
             return FALSE;
         step_forward (priv, start);
     }
     TavDate end = start;
     step_forward (priv, end);
-    while (day_of_week (priv, start) != priv.first_day_of_week)
-        step_back (priv, start);
-    while (day_of_week (priv, end) != priv.last_day_of_week)
-        step_forward (priv, end);
+    walk_to_weekday (priv, start, priv.first_day_of_week, false);
+    walk_to_weekday (priv, end, priv.last_day_of_week, true);
     if (result) {
         result->start = start;
         result->end = end;
@@ -926,10 +946,8 @@ void tav_calendar_processor_get_this_week (TavCalendarProcessor *processor, TavD
     TavDate start;
     tav_date_init_today (&start);
     TavDate end = start;
-    while (day_of_week (priv, start) != priv.first_day_of_week)
-        step_back (priv, start);
-    while (day_of_week (priv, end) != priv.last_day_of_week)
-        step_forward (priv, end);
+    walk_to_weekday (priv, start, priv.first_day_of_week, false);
+    walk_to_weekday (priv, end, priv.last_day_of_week, true);
     interval->start = start;
     interval->end = end;
 }
@@ -943,7 +961,17 @@ void tav_calendar_processor_next_weekday (TavCalendarProcessor *processor, TavDa
         return;
     }
     const Priv &priv = priv_of (processor);
-    do {
-        step_forward (priv, *date);
-    } while (!tav_calendar_processor_is_date_weekday (processor, date));
+    /* A working day is never more than a few steps away, even over a reform
+     * jump. Only a date far outside any calendar, whose day number is pinned
+     * at the end of its range, has a weekday that never changes; such a
+     * date is left as it was. */
+    TavDate d = *date;
+    for (int steps = 0; steps < 14; steps++) {
+        step_forward (priv, d);
+        int weekday = day_of_week (priv, d);
+        if (weekday != 0 && weekday != 6) {
+            *date = d;
+            return;
+        }
+    }
 }

@@ -17,6 +17,20 @@ constexpr gsize kFormatLimit = 255;
 
 std::atomic<TavClockFunc> s_clock { nullptr };
 
+/* Field arithmetic at the ends of the int range wraps around instead of
+ * overflowing. */
+inline int wrap_add (int a, int b)
+{
+    return static_cast<int> (static_cast<unsigned> (a) + static_cast<unsigned> (b));
+}
+
+/* a - b, saturated to the int range: the sign is always right. */
+inline int saturated_difference (int a, int b)
+{
+    gint64 d = static_cast<gint64> (a) - b;
+    return static_cast<int> (CLAMP (d, G_MININT, G_MAXINT));
+}
+
 void local_now (struct tm *tm)
 {
     time_t now = tav_date_now ();
@@ -182,7 +196,7 @@ void tav_time_init_now (TavTime *_time)
 void tav_date_to_tm (struct tm *dest, const TavDate *source)
 {
     g_assert (dest != NULL && source != NULL);
-    dest->tm_year = source->year - 1900;
+    dest->tm_year = wrap_add (source->year, -1900);
     dest->tm_mon = source->month;
     dest->tm_mday = source->day;
 }
@@ -190,7 +204,7 @@ void tav_date_to_tm (struct tm *dest, const TavDate *source)
 void tav_tm_to_date (TavDate *dest, const struct tm *source)
 {
     g_assert (dest != NULL && source != NULL);
-    dest->year = source->tm_year + 1900;
+    dest->year = wrap_add (source->tm_year, 1900);
     dest->month = source->tm_mon;
     dest->day = source->tm_mday;
 }
@@ -222,18 +236,18 @@ int tav_time_compare (const TavTime *time1, const TavTime *time2)
 {
     g_assert (time1 != NULL && time2 != NULL);
     if (time1->hour != time2->hour)
-        return time1->hour - time2->hour;
-    return time1->minute - time2->minute;
+        return saturated_difference (time1->hour, time2->hour);
+    return saturated_difference (time1->minute, time2->minute);
 }
 
 int tav_date_compare (const TavDate *date1, const TavDate *date2)
 {
     g_assert (date1 != NULL && date2 != NULL);
     if (date1->year != date2->year)
-        return date1->year - date2->year;
+        return saturated_difference (date1->year, date2->year);
     if (date1->month != date2->month)
-        return date1->month - date2->month;
-    return date1->day - date2->day;
+        return saturated_difference (date1->month, date2->month);
+    return saturated_difference (date1->day, date2->day);
 }
 
 gboolean tav_date_is_valid (const TavDate *date)
@@ -316,7 +330,7 @@ char *tav_time_to_string (const TavTime *time)
 char *tav_date_to_string (const TavDate *date)
 {
     g_return_val_if_fail (date != NULL, nullptr);
-    return g_strdup_printf ("%02d.%02d.%d", date->day, date->month + 1, date->year);
+    return g_strdup_printf ("%02d.%02d.%d", date->day, wrap_add (date->month, 1), date->year);
 }
 
 char *tav_timestamp_to_string (const TavTimestamp *timestamp)
@@ -395,18 +409,22 @@ void tav_date_month_dec (TavDate *date)
     g_return_if_fail (date != NULL);
     if (date->month == 0) {
         date->month = 11;
-        date->year--;
+        date->year = wrap_add (date->year, -1);
     } else {
-        date->month--;
+        date->month = wrap_add (date->month, -1);
     }
 }
 
 gboolean tav_check_date_time_validity_for_alarm_interval (int year, int month, int day, int hour, int minute,
                                                           int alarm_minutes)
 {
+    /* A year that struct tm cannot hold names no instant: no alarm. */
+    const gint64 tm_year = static_cast<gint64> (year) - 1900;
+    if (tm_year < G_MININT)
+        return FALSE;
     struct tm tm;
     memset (&tm, 0, sizeof tm);
-    tm.tm_year = year - 1900;
+    tm.tm_year = static_cast<int> (tm_year);
     tm.tm_mon = month;
     tm.tm_mday = day;
     tm.tm_hour = hour;
@@ -414,6 +432,8 @@ gboolean tav_check_date_time_validity_for_alarm_interval (int year, int month, i
     tm.tm_sec = 0;
     tm.tm_isdst = -1;
     time_t event_time = mktime (&tm);
+    if (event_time == static_cast<time_t> (-1))
+        return FALSE;
     /* 64-bit sums: a large alarm offset must not wrap around. */
     gint64 alarm_time = static_cast<gint64> (tav_date_now ()) + static_cast<gint64> (alarm_minutes) * 60;
     return alarm_time < static_cast<gint64> (event_time);

@@ -487,6 +487,7 @@ TEST (CalendarProcessor, IntervalInDaysCountsStepsForwardAndFieldsBackward)
         { { 2008, 1, 28 }, { 2008, 2, 1 }, 2 },
         { { 1752, 8, 1 }, { 1752, 8, 15 }, 3 },      /* 11 days dropped */
         { { 1752, 7, 31 }, { 1753, 0, 1 }, 112 },
+        { { G_MAXINT, 0, 1 }, { G_MININT, 0, 1 }, G_MININT }, /* saturated, as tav_date_compare gives it */
     };
     for (const auto &row : rows)
         EXPECT_EQ (tav_calendar_processor_get_date_interval_in_days (en.get (), row.from, row.to), row.expected)

@@ -460,6 +460,40 @@ TEST (DateValues, AlarmMustStillLieInTheFuture)
     }
 }
 
+TEST (DateValues, FieldsAtTheEndsOfTheIntRangeGiveDefinedResults)
+{
+    const TavDate hi = { G_MAXINT, G_MAXINT, G_MAXINT }, lo = { G_MININT, G_MININT, G_MININT };
+    EXPECT_GT (tav_date_compare (&hi, &lo), 0);
+    EXPECT_LT (tav_date_compare (&lo, &hi), 0);
+    const TavTime thi = { G_MAXINT, 0 }, tlo = { G_MININT, 0 };
+    EXPECT_GT (tav_time_compare (&thi, &tlo), 0);
+    EXPECT_FALSE (tav_date_is_valid (&hi));
+    EXPECT_FALSE (tav_date_is_valid (&lo));
+    EXPECT_FALSE (is_date_limit_reached (&hi));
+
+    EXPECT_EQ (take (tav_date_to_string (&hi)), "2147483647.-2147483648.2147483647");
+    TavDate d = { G_MININT, 0, 1 };
+    tav_date_month_dec (&d);
+    EXPECT_EQ (str (d), "2147483647-11-1");
+
+    struct tm tm = {};
+    tav_date_to_tm (&tm, &lo);
+    tav_tm_to_date (&d, &tm);
+    EXPECT_EQ (d.year, G_MININT);
+
+    EXPECT_FALSE (tav_check_date_time_validity_for_alarm_interval (G_MININT, 0, 1, 0, 0, 0));
+    EXPECT_FALSE (tav_check_date_time_validity_for_alarm_interval (2037, 11, 31, 23, 59, G_MAXINT));
+    EXPECT_TRUE (tav_check_date_time_validity_for_alarm_interval (2037, 11, 31, 23, 59, G_MININT));
+
+    const TavTime odd = { G_MAXINT, G_MININT };
+    g_free (tav_time_to_string (&odd));
+    g_free (tav_time_to_string_format (&odd, TRUE));
+    g_free (tav_time_to_string_format (&odd, FALSE));
+    const TavDate valid_far = { G_MAXINT, 11, 31 };
+    g_free (tav_date_to_string_format (&valid_far, TavDateLongFormat, 7));
+    g_free (tav_date_to_week_num_string (&valid_far, -1));
+}
+
 /* Programming errors abort with the failed expression. */
 using DateValuesDeathTest = ::testing::Test;
 

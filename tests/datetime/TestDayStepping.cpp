@@ -347,3 +347,61 @@ TEST (DayStepping, UnreachableTargetsCountToTheNextReachedDay)
         EXPECT_EQ (tav_calendar_processor_get_date_interval_in_days (p.get (), row.from, row.to), row.expected)
             << str (row.from) << " -> " << str (row.to);
 }
+
+/* The largest step counts and the extreme ends of the field ranges stay
+ * exact (a long step comes back with the same long step) and never trip
+ * the sanitizers. */
+TEST (DayStepping, ExtremeCountsAndFieldsStayExact)
+{
+    for (const char *system : { "es", "en", "ru" }) {
+        SCOPED_TRACE (system);
+        auto p = processor_for (system);
+        const TavDate starts[] = { { 2009, 0, 1 }, { 1500, 5, 15 }, { -3000, 11, 31 }, { 1752, 8, 2 } };
+        for (const TavDate &start : starts) {
+            for (int n : { G_MAXINT, G_MAXINT - 1, 1 << 30, 123456789 }) {
+                TavDate d = start;
+                tav_calendar_processor_inc_date_by_days (p.get (), &d, n);
+                EXPECT_EQ (tav_calendar_processor_get_date_interval_in_days (p.get (), start, d), n) << str (start) << " + " << n;
+                tav_calendar_processor_dec_date_by_days (p.get (), &d, n);
+                EXPECT_EQ (str (d), str (start)) << n;
+            }
+        }
+        /* 5.8 million years ahead is still a real date of the calendar. */
+        TavDate far = { 2009, 0, 1 };
+        tav_calendar_processor_inc_date_by_days (p.get (), &far, G_MAXINT);
+        EXPECT_TRUE (tav_date_is_valid (&far)) << str (far);
+
+        /* Fields at the ends of their ranges: any answer, but a defined one. */
+        const TavDate extremes[] = {
+            { G_MAXINT, 11, 31 }, { G_MININT, 0, 1 }, { 2009, 0, G_MAXINT }, { 2009, 0, G_MININT },
+            { G_MAXINT, 0, G_MININT }, { G_MININT, 11, G_MAXINT },
+        };
+        for (const TavDate &e : extremes) {
+            SCOPED_TRACE (str (e));
+            TavDate d = e;
+            tav_calendar_processor_inc_date (p.get (), &d);
+            d = e;
+            tav_calendar_processor_dec_date (p.get (), &d);
+            d = e;
+            tav_calendar_processor_inc_date_by_days (p.get (), &d, G_MAXINT);
+            d = e;
+            tav_calendar_processor_dec_date_by_days (p.get (), &d, G_MAXINT);
+            d = e;
+            tav_calendar_processor_next_weekday (p.get (), &d);
+            tav_calendar_processor_date_to_week_number (p.get (), &e);
+            tav_calendar_processor_date_to_day_of_year (p.get (), &e);
+            tav_calendar_processor_date_to_julian_day_number (p.get (), &e);
+            tav_calendar_processor_get_date_interval_in_days (p.get (), e, TavDate { 2009, 0, 1 });
+            tav_calendar_processor_get_date_interval_in_days (p.get (), TavDate { 2009, 0, 1 }, e);
+            d = e;
+            if (d.day <= 31) {
+                tav_calendar_processor_inc_month_by_count (p.get (), &d, G_MAXINT);
+                d = e;
+                tav_calendar_processor_inc_month (p.get (), &d);
+            }
+        }
+        TavDateInterval week;
+        EXPECT_FALSE (tav_calendar_processor_get_week (p.get (), G_MAXINT, 0, &week));
+        EXPECT_TRUE (tav_calendar_processor_get_week (p.get (), G_MININT, 10, &week));
+    }
+}
