@@ -15,7 +15,7 @@ export TAV_CALENDAR_LOCALE_DIR="$PWD/$build_dir/po/locale"
 if [ -x "$build_dir/host/tav-calendar" ]; then
   app=("$build_dir/host/tav-calendar")
 else
-  app=("$build_dir/tools/tav-gallery")
+  app=("$build_dir/tools/gallery/tav-gallery")
 fi
 
 if [ -n "${DISPLAY:-}" ]; then

@@ -1,0 +1,112 @@
+#include "PointerDriver.h"
+
+#include "TestSupport.h"
+
+#include <X11/extensions/XTest.h>
+#include <gdk/gdkx.h>
+
+namespace tav::test {
+
+static Display *xdisplay ()
+{
+    return GDK_DISPLAY_XDISPLAY (gdk_display_get_default ());
+}
+
+bool PointerDriver::available ()
+{
+    int event_base, error_base, major, minor;
+    return have_display () && XTestQueryExtension (xdisplay (), &event_base, &error_base, &major, &minor);
+}
+
+void PointerDriver::to_root (GtkWidget *widget, int x, int y, int *root_x, int *root_y)
+{
+    int ox = 0, oy = 0;
+    gdk_window_get_origin (widget->window, &ox, &oy);
+    if (gtk_widget_get_has_window (widget) && !GTK_IS_WINDOW (widget)) {
+        /* widget->window is the widget's own; allocation is in the parent. */
+    } else if (!GTK_IS_WINDOW (widget)) {
+        ox += widget->allocation.x;
+        oy += widget->allocation.y;
+    }
+    *root_x = ox + x;
+    *root_y = oy + y;
+}
+
+void PointerDriver::move_root (int x, int y)
+{
+    XTestFakeMotionEvent (xdisplay (), -1, x, y, CurrentTime);
+    XFlush (xdisplay ());
+    flush_events ();
+}
+
+void PointerDriver::move_to (GtkWidget *widget, int x, int y)
+{
+    int rx = 0, ry = 0;
+    to_root (widget, x, y, &rx, &ry);
+    move_root (rx, ry);
+}
+
+void PointerDriver::press (guint button)
+{
+    XTestFakeButtonEvent (xdisplay (), button, True, CurrentTime);
+    XFlush (xdisplay ());
+    flush_events ();
+}
+
+void PointerDriver::release (guint button)
+{
+    XTestFakeButtonEvent (xdisplay (), button, False, CurrentTime);
+    XFlush (xdisplay ());
+    flush_events ();
+}
+
+void PointerDriver::tap (GtkWidget *widget, int x, int y)
+{
+    move_to (widget, x, y);
+    press (1);
+    release (1);
+}
+
+void PointerDriver::drag (GtkWidget *widget, int x0, int y0, int x1, int y1, int steps, int step_ms,
+                          bool release_at_end)
+{
+    move_to (widget, x0, y0);
+    press (1);
+    for (int i = 1; i <= steps; i++) {
+        wait (step_ms);
+        move_to (widget, x0 + (x1 - x0) * i / steps, y0 + (y1 - y0) * i / steps);
+    }
+    if (release_at_end)
+        release (1);
+}
+
+void PointerDriver::key (guint keyval, bool shift)
+{
+    Display *display = xdisplay ();
+    const KeyCode shift_code = XKeysymToKeycode (display, XK_Shift_L);
+    const KeyCode code = XKeysymToKeycode (display, keyval);
+    if (shift)
+        XTestFakeKeyEvent (display, shift_code, True, CurrentTime);
+    XTestFakeKeyEvent (display, code, True, CurrentTime);
+    XTestFakeKeyEvent (display, code, False, CurrentTime);
+    if (shift)
+        XTestFakeKeyEvent (display, shift_code, False, CurrentTime);
+    XFlush (display);
+    flush_events ();
+}
+
+void PointerDriver::wait (int ms)
+{
+    const gint64 end = g_get_monotonic_time () + ms * 1000;
+    run_main_loop_until ([end] { return g_get_monotonic_time () >= end; }, ms + 1000);
+}
+
+GtkWidget *make_test_window (int width, int height)
+{
+    GtkWidget *window = gtk_window_new (GTK_WINDOW_TOPLEVEL);
+    gtk_window_set_default_size (GTK_WINDOW (window), width, height);
+    gtk_window_move (GTK_WINDOW (window), 20, 20);
+    return window;
+}
+
+} // namespace tav::test

@@ -1,0 +1,35 @@
+/* Real input for widget tests: XTest moves the X server's pointer and
+ * presses its buttons and keys, so GTK sees exactly what a finger or a mouse
+ * would produce (implicit grabs, crossings, motion). */
+#ifndef TAV_TEST_POINTER_DRIVER_H
+#define TAV_TEST_POINTER_DRIVER_H
+
+#include <gtk/gtk.h>
+
+namespace tav::test {
+
+class PointerDriver {
+public:
+    /* Moves to (@x, @y) of @widget's allocation (or its window). */
+    static void move_to (GtkWidget *widget, int x, int y);
+    static void move_root (int x, int y);
+    static void press (guint button = 1);
+    static void release (guint button = 1);
+    /* Press and release at (@x, @y) of @widget. */
+    static void tap (GtkWidget *widget, int x, int y);
+    /* Press at (x0, y0), move in @steps steps of @step_ms to (x1, y1). */
+    static void drag (GtkWidget *widget, int x0, int y0, int x1, int y1, int steps, int step_ms, bool release_at_end);
+    static void key (guint keyval, bool shift = false);
+    /* Root coordinates of (@x, @y) in @widget. */
+    static void to_root (GtkWidget *widget, int x, int y, int *root_x, int *root_y);
+    /* Lets the main loop run for @ms milliseconds. */
+    static void wait (int ms);
+    static bool available ();
+};
+
+/* A top-level window at a fixed place, realised and shown. */
+GtkWidget *make_test_window (int width, int height);
+
+} // namespace tav::test
+
+#endif /* TAV_TEST_POINTER_DRIVER_H */
