@@ -293,6 +293,9 @@ on_button_press_event_cb (GtkWidget *widget, GdkEventButton *event, gpointer dat
         return FALSE;
     if (event->window != priv->cells_win && event->window != priv->week_win)
         return FALSE;
+    /* A second button while the first is still down is not a new tap. */
+    if (priv->pressed)
+        return TRUE;
 
     priv->press_x = (int) event->x;
     priv->press_y = (int) event->y;

@@ -179,6 +179,7 @@ TEST_F (MonthWidget, GridAlwaysStartsInThePreviousMonth)
 
 TEST_F (MonthWidget, SameMonthAgainIsIgnoredExceptTheFirstTime)
 {
+    LogCapture capture;
     tav_calendar_select_month (calendar, 0, 2008); /* the initial month, but the first selection */
     EXPECT_EQ (activations.date_notifications, 1);
     tav_calendar_select_month (calendar, 0, 2008);
@@ -186,14 +187,31 @@ TEST_F (MonthWidget, SameMonthAgainIsIgnoredExceptTheFirstTime)
     tav_calendar_set_first_day_of_week (calendar, 3);
     EXPECT_EQ (activations.date_notifications, 2) << "a new first weekday rebuilds the grid";
     EXPECT_EQ (tav_calendar_get_first_day_of_week (calendar), 3);
+    EXPECT_FALSE (capture.has_warning ("FIXME: The calendar is frozen!"));
+    tav_calendar_view_freeze (TAV_CALENDAR_VIEW (calendar));
+    tav_calendar_set_first_day_of_week (calendar, 0);
+    EXPECT_TRUE (capture.has_warning ("FIXME: The calendar is frozen!"));
+    EXPECT_EQ (activations.date_notifications, 3) << "rebuilt all the same";
+    tav_calendar_view_thaw (TAV_CALENDAR_VIEW (calendar));
 }
 
 TEST_F (MonthWidget, ReadsWhenShownAndOnEveryNewMonth)
 {
+    LogCapture capture;
     tav_calendar_select_month (calendar, 3, 2009);
     EXPECT_EQ (activations.reads, 0) << "nothing to show yet";
     show ();
     EXPECT_EQ (activations.reads, 1);
+    const GtkAllocation &a = GTK_WIDGET (calendar)->allocation;
+    EXPECT_TRUE (capture.has_message ("Realizing TavCalendar.")) << capture.dump ();
+    EXPECT_TRUE (capture.has_message ("Allocation of size " + std::to_string (a.width) + "x" + std::to_string (a.height)));
+    EXPECT_TRUE (capture.has_message ("Creating Cache here"));
+    gtk_widget_queue_resize (GTK_WIDGET (calendar));
+    gdk_window_invalidate_rect (GTK_WIDGET (calendar)->window, NULL, TRUE);
+    flush_events ();
+    gdk_window_process_all_updates ();
+    EXPECT_TRUE (capture.has_message ("Allocation again for the same size"));
+    EXPECT_TRUE (capture.has_message ("using cache"));
     tav_calendar_select_next_month (calendar);
     EXPECT_EQ (activations.reads, 2);
     char *name = NULL;
@@ -306,6 +324,22 @@ TEST_F (MonthWidget, TapsActivateDaysWeeksAndPages)
     EXPECT_EQ (activations.days.size (), 2u);
 }
 
+TEST_F (MonthWidget, SecondButtonDuringATapIsIgnored)
+{
+    tav_calendar_select_month (calendar, 2, 2009);
+    show ();
+    GdkWindow *grid = child_window (true);
+    const int cw = cell_width (), ch = cell_height ();
+    const int x = 2 * cw + cw / 2, y = 2 * ch + ch / 2;
+    press (grid, x, y);
+    ASSERT_TRUE (gdk_test_simulate_button (grid, x, y, 3, (GdkModifierType) 0, GDK_BUTTON_PRESS));
+    flush_events ();
+    release (grid, x, y);
+    ASSERT_TRUE (gdk_test_simulate_button (grid, x, y, 3, (GdkModifierType) 0, GDK_BUTTON_RELEASE));
+    flush_events ();
+    EXPECT_EQ (activations.days.size (), 1u);
+}
+
 struct SwipeCase {
     const char *label;
     int dx, dy;
@@ -352,6 +386,41 @@ save_widget_png (GtkWidget *widget, const std::string &path)
     ASSERT_NE (pixbuf, nullptr);
     ASSERT_TRUE (gdk_pixbuf_save (pixbuf, path.c_str (), "png", NULL, NULL));
     g_object_unref (pixbuf);
+}
+
+/* With the theme's cell image present, cells are painted with it. */
+TEST_F (MonthWidget, ThemeImagesReplaceTheDrawnCells)
+{
+    TempDir theme;
+    GdkPixbuf *red = gdk_pixbuf_new (GDK_COLORSPACE_RGB, FALSE, 8, 8, 8);
+    gdk_pixbuf_fill (red, 0xd02020ff);
+    ASSERT_TRUE (gdk_pixbuf_save (red, theme.file ("calendar_month_normal.png").c_str (), "png", NULL, NULL));
+    g_object_unref (red);
+    const std::string previous = g_getenv ("TAV_CALENDAR_THEME_DIR") ? g_getenv ("TAV_CALENDAR_THEME_DIR") : "";
+    g_setenv ("TAV_CALENDAR_THEME_DIR", theme.path ().c_str (), TRUE);
+    tav_calendar_select_month (calendar, 2, 2009);
+    show (640, 480);
+    GdkPixmap *pixmap = gtk_widget_get_snapshot (GTK_WIDGET (calendar), NULL);
+    if (previous.empty ())
+        g_unsetenv ("TAV_CALENDAR_THEME_DIR");
+    else
+        g_setenv ("TAV_CALENDAR_THEME_DIR", previous.c_str (), TRUE);
+    ASSERT_NE (pixmap, nullptr);
+    int w = 0, h = 0;
+    gdk_drawable_get_size (GDK_DRAWABLE (pixmap), &w, &h);
+    GdkPixbuf *shot = gdk_pixbuf_get_from_drawable (NULL, GDK_DRAWABLE (pixmap), gdk_drawable_get_colormap (pixmap),
+                                                    0, 0, 0, 0, w, h);
+    g_object_unref (pixmap);
+    /* Bottom left corner of Wednesday 18 March (row 3, column 2), away from text. */
+    int ox = 0, oy = 0;
+    gdk_window_get_position (child_window (true), &ox, &oy);
+    const int px = ox + 2 * cell_width () + 3, py = oy + 4 * cell_height () - 3;
+    const guchar *p = gdk_pixbuf_get_pixels (shot) + py * gdk_pixbuf_get_rowstride (shot) +
+                      px * gdk_pixbuf_get_n_channels (shot);
+    EXPECT_EQ (p[0], 0xd0);
+    EXPECT_EQ (p[1], 0x20);
+    EXPECT_EQ (p[2], 0x20);
+    g_object_unref (shot);
 }
 
 struct RenderCase {
