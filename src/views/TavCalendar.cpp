@@ -95,6 +95,8 @@ struct _TavCalendarPrivate {
      * rendered without a round trip per shape and glyph. */
     cairo_surface_t *cells_image = nullptr;
     gboolean cells_image_stale = TRUE;
+    /* Parts of the image to render again when not all of it is stale. */
+    GdkRegion *cells_image_stale_region = nullptr;
 };
 
 G_DEFINE_TYPE_WITH_CODE (TavCalendar, tav_calendar, TAV_TYPE_CALENDAR_VIEW, G_ADD_PRIVATE (TavCalendar))
@@ -128,7 +130,9 @@ calendar_invalidate_cell (TavCalendar *calendar, int row, int col)
     TavCalendarPrivate *priv = calendar->priv;
     g_assert (calendar->priv->cells_win != NULL);
     GdkRectangle rect { col * priv->cell_width, row * priv->cell_height, priv->cell_width, priv->cell_height };
-    priv->cells_image_stale = TRUE;
+    if (!priv->cells_image_stale_region)
+        priv->cells_image_stale_region = gdk_region_new ();
+    gdk_region_union_with_rect (priv->cells_image_stale_region, &rect);
     gdk_window_invalidate_rect (priv->cells_win, &rect, FALSE);
 }
 
@@ -183,6 +187,11 @@ calendar_recalculate_entries_for_all_cells (TavCalendarView *view)
     TavCalendar *calendar = TAV_CALENDAR (view);
     calendar_grid_recalculate (calendar->priv->cells, processor_of (calendar), calendar->priv->optimization,
                                invalidate_cell_cb, calendar);
+    /* Bar marks of rows that did not change may follow from rows that did
+     * (a bar running on into the next row): the whole grid is rendered anew. */
+    calendar->priv->cells_image_stale = TRUE;
+    if (GTK_WIDGET_REALIZED (GTK_WIDGET (calendar)))
+        gdk_window_invalidate_rect (calendar->priv->cells_win, NULL, FALSE);
 }
 
 static void
@@ -729,12 +738,22 @@ tav_calendar_expose_event (GtkWidget *widget, GdkEventExpose *event)
             priv->cells_image = cairo_image_surface_create (CAIRO_FORMAT_RGB24, width, height);
             priv->cells_image_stale = TRUE;
         }
-        if (priv->cells_image_stale) {
+        if (priv->cells_image_stale || priv->cells_image_stale_region) {
             cairo_t *image_cr = cairo_create (priv->cells_image);
-            const GdkRectangle whole { 0, 0, width, height };
-            tav::month_paint_cells (image_cr, context, *priv->style_cache, state, whole);
+            GdkRectangle area { 0, 0, width, height };
+            if (!priv->cells_image_stale) {
+                /* Only some cells changed (a press): render just them. */
+                gdk_cairo_region (image_cr, priv->cells_image_stale_region);
+                cairo_clip (image_cr);
+                gdk_region_get_clipbox (priv->cells_image_stale_region, &area);
+            }
+            tav::month_paint_cells (image_cr, context, *priv->style_cache, state, area);
             cairo_destroy (image_cr);
             priv->cells_image_stale = FALSE;
+            if (priv->cells_image_stale_region) {
+                gdk_region_destroy (priv->cells_image_stale_region);
+                priv->cells_image_stale_region = nullptr;
+            }
         }
         cairo_set_source_surface (cr, priv->cells_image, 0, 0);
         cairo_paint (cr);
@@ -765,6 +784,8 @@ tav_calendar_finalize (GObject *object)
         calendar_cell_free (&cell);
     if (calendar->priv->cells_image)
         cairo_surface_destroy (calendar->priv->cells_image);
+    if (calendar->priv->cells_image_stale_region)
+        gdk_region_destroy (calendar->priv->cells_image_stale_region);
     calendar->priv->~_TavCalendarPrivate ();
     G_OBJECT_CLASS (tav_calendar_parent_class)->finalize (object);
 }

@@ -340,6 +340,43 @@ TEST_F (MonthWidget, SecondButtonDuringATapIsIgnored)
     EXPECT_EQ (activations.days.size (), 1u);
 }
 
+/* The colour of one pixel of the widget as painted now. */
+static guint32
+pixel_at (GtkWidget *widget, int x, int y)
+{
+    flush_events ();
+    gdk_window_process_all_updates ();
+    GdkPixmap *pixmap = gtk_widget_get_snapshot (widget, NULL);
+    GdkPixbuf *shot = gdk_pixbuf_get_from_drawable (NULL, GDK_DRAWABLE (pixmap), gdk_drawable_get_colormap (pixmap),
+                                                    x, y, 0, 0, 1, 1);
+    const guchar *p = gdk_pixbuf_get_pixels (shot);
+    const guint32 rgb = (p[0] << 16) | (p[1] << 8) | p[2];
+    g_object_unref (shot);
+    g_object_unref (pixmap);
+    return rgb;
+}
+
+TEST_F (MonthWidget, PressedCellIsHighlightedUntilRelease)
+{
+    tav_calendar_select_month (calendar, 2, 2009);
+    show ();
+    GdkWindow *grid = child_window (true);
+    const int cw = cell_width (), ch = cell_height ();
+    int ox = 0, oy = 0;
+    gdk_window_get_position (grid, &ox, &oy);
+    /* Bottom left corner of the cell in row 2, column 4, and of its neighbour. */
+    const int px = ox + 4 * cw + 3, py = oy + 3 * ch - 3;
+    const guint32 before = pixel_at (GTK_WIDGET (calendar), px, py);
+    const guint32 neighbour = pixel_at (GTK_WIDGET (calendar), px + cw, py);
+    press (grid, 4 * cw + cw / 2, 2 * ch + ch / 2);
+    const guint32 pressed = pixel_at (GTK_WIDGET (calendar), px, py);
+    EXPECT_NE (pressed, before) << "the pressed cell changes colour";
+    EXPECT_EQ (pixel_at (GTK_WIDGET (calendar), px + cw, py), neighbour) << "its neighbour does not";
+    release (grid, 4 * cw + cw / 2, 2 * ch + ch / 2);
+    EXPECT_EQ (pixel_at (GTK_WIDGET (calendar), px, py), before) << "released: back to normal";
+    ASSERT_EQ (activations.days.size (), 1u);
+}
+
 struct SwipeCase {
     const char *label;
     int dx, dy;
