@@ -104,18 +104,24 @@ rounded_rectangle (cairo_t *cr, double x, double y, double w, double h, double r
     cairo_close_path (cr);
 }
 
-/* Text drawing with one layout reused for every string of a paint. */
+/* Text drawing through the cache of laid-out texts. */
 class TextPainter {
 public:
-    TextPainter (cairo_t *cr, PangoContext *context) : m_cr (cr), m_layout (pango_layout_new (context)) {}
-    ~TextPainter () { g_object_unref (m_layout); }
+    TextPainter (cairo_t *cr, PangoContext *context, MonthPaintCache &cache)
+        : m_cr (cr), m_context (context), m_cache (cache)
+    {
+        /* Bounded: a month shows a few hundred different texts. */
+        if (m_cache.texts.size () > 4096)
+            m_cache.texts.clear ();
+    }
 
     void set_font (const PangoFontDescription *base, double pixels, bool bold)
     {
-        GUniquePtr<PangoFontDescription> font (pango_font_description_copy (base));
-        pango_font_description_set_absolute_size (font.get (), std::max (6.0, pixels) * PANGO_SCALE);
-        pango_font_description_set_weight (font.get (), bold ? PANGO_WEIGHT_BOLD : PANGO_WEIGHT_NORMAL);
-        pango_layout_set_font_description (m_layout, font.get ());
+        m_base = base;
+        m_pixels = std::max (6.0, std::round (pixels * 4) / 4);
+        m_bold = bold;
+        m_font_key = std::to_string (reinterpret_cast<uintptr_t> (base)) + ":" + std::to_string (m_pixels) +
+                     (bold ? "b" : "n");
     }
 
     /* Draws @text in the box, aligned by @xalign and centred vertically,
@@ -123,34 +129,52 @@ public:
     int draw (const char *text, double x, double y, double w, double h, double xalign = 0.0,
               double yalign = 0.5)
     {
-        pango_layout_set_text (m_layout, text, -1);
-        pango_layout_set_ellipsize (m_layout, PANGO_ELLIPSIZE_END);
-        pango_layout_set_width (m_layout, -1);
-        int tw = 0, th = 0;
-        pango_layout_get_pixel_size (m_layout, &tw, &th);
-        if (tw > w) {
-            pango_layout_set_width (m_layout, (int) (std::max (1.0, w) * PANGO_SCALE));
-            pango_layout_get_pixel_size (m_layout, &tw, &th);
-        } else {
-            x += (w - tw) * xalign;
-        }
-        cairo_move_to (m_cr, x, y + (h - th) * yalign);
-        pango_cairo_show_layout (m_cr, m_layout);
-        return std::min<int> (tw, (int) w);
+        const MonthPaintCache::Text &natural = lookup (text, -1);
+        const MonthPaintCache::Text *shown = &natural;
+        if (natural.width > w)
+            shown = &lookup (text, (int) std::max (1.0, w));
+        else
+            x += (w - natural.width) * xalign;
+        cairo_move_to (m_cr, x, y + (h - shown->height) * yalign);
+        pango_cairo_show_layout (m_cr, shown->layout.get ());
+        return std::min<int> (shown->width, (int) w);
     }
 
-    int width_of (const char *text)
-    {
-        pango_layout_set_width (m_layout, -1);
-        pango_layout_set_text (m_layout, text, -1);
-        int tw = 0, th = 0;
-        pango_layout_get_pixel_size (m_layout, &tw, &th);
-        return tw;
-    }
+    int width_of (const char *text) { return lookup (text, -1).width; }
 
 private:
+    const MonthPaintCache::Text &lookup (const char *text, int width)
+    {
+        std::string key = m_font_key;
+        key += '|';
+        key += std::to_string (width);
+        key += '|';
+        key += text;
+        auto found = m_cache.texts.find (key);
+        if (found != m_cache.texts.end ())
+            return found->second;
+        PangoLayout *layout = pango_layout_new (m_context);
+        GUniquePtr<PangoFontDescription> font (pango_font_description_copy (m_base));
+        pango_font_description_set_absolute_size (font.get (), m_pixels * PANGO_SCALE);
+        pango_font_description_set_weight (font.get (), m_bold ? PANGO_WEIGHT_BOLD : PANGO_WEIGHT_NORMAL);
+        pango_layout_set_font_description (layout, font.get ());
+        pango_layout_set_text (layout, text, -1);
+        if (width > 0) {
+            pango_layout_set_width (layout, width * PANGO_SCALE);
+            pango_layout_set_ellipsize (layout, PANGO_ELLIPSIZE_END);
+        }
+        MonthPaintCache::Text entry { adoptGRef (layout), 0, 0 };
+        pango_layout_get_pixel_size (layout, &entry.width, &entry.height);
+        return m_cache.texts.emplace (std::move (key), std::move (entry)).first->second;
+    }
+
     cairo_t *m_cr;
-    PangoLayout *m_layout;
+    PangoContext *m_context;
+    MonthPaintCache &m_cache;
+    const PangoFontDescription *m_base = nullptr;
+    double m_pixels = 10;
+    bool m_bold = false;
+    std::string m_font_key;
 };
 
 /* The metrics of a cell's contents, all derived from the cell size. */
@@ -447,6 +471,7 @@ month_paint_cache_rebuild (MonthPaintCache &cache, GtkWidget *widget)
     cache.week_label_xalign = week_x;
     cache.week_label_yalign = week_y;
     cache.day_label_xalign = day_x;
+    cache.texts.clear ();
     cache.font = theme_font (widget, "SmallSystemFont");
     cache.emphasized_font = theme_font (widget, "EmpSmallSystemFont");
     load_style_image (cache.background, widget, "bg-image-file");
@@ -493,7 +518,7 @@ month_paint_header (cairo_t *cr, PangoContext *context, const MonthPaintCache &c
         cairo_rectangle (cr, 0, 0, width, state.header_height);
         cairo_fill (cr);
     }
-    TextPainter text (cr, context);
+    TextPainter text (cr, context, cache);
     text.set_font (cache.emphasized_font.get (), std::clamp (state.header_height * 0.38, 9.0, 18.0), false);
     for (int col = 0; col < NColumns; col++) {
         set_rgb (cr, cache.font_day, 0.85);
@@ -507,7 +532,7 @@ month_paint_weeks (cairo_t *cr, PangoContext *context, const MonthPaintCache &co
                    const MonthPaintState &state)
 {
     MonthPaintCache &cache = const_cast<MonthPaintCache &> (const_cache);
-    TextPainter text (cr, context);
+    TextPainter text (cr, context, cache);
     const double px = std::clamp (std::min (state.week_width * 0.42, state.cell_height * 0.22), 9.0, 20.0);
     for (int row = 0; row < NRows; row++) {
         const double y = row * state.cell_height;
@@ -536,7 +561,7 @@ month_paint_cells (cairo_t *cr, PangoContext *context, const MonthPaintCache &co
     MonthPaintCache &cache = const_cast<MonthPaintCache &> (const_cache);
     const int cw = state.cell_width, ch = state.cell_height;
     const CellMetrics m (cw, ch);
-    TextPainter text (cr, context);
+    TextPainter text (cr, context, cache);
 
     set_rgb (cr, kPage);
     cairo_paint (cr);

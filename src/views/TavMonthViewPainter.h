@@ -12,6 +12,7 @@
 
 #include <array>
 #include <string>
+#include <unordered_map>
 
 #include "TavGPtr.h"
 #include "TavMonthViewPrivate.h"
@@ -41,6 +42,14 @@ struct MonthPaintCache {
     GUniquePtr<PangoFontDescription> emphasized_font;
     ThemeImage background, cell_normal, cell_other, cell_current, cell_pressed;
     ThemeImage week, week_pressed, birthday_icon, todo_icon;
+
+    /* Laid-out texts by text, font and width: titles repeat from cell to
+     * cell and from paint to paint. Emptied with the rest of the cache. */
+    struct Text {
+        GRefPtr<PangoLayout> layout;
+        int width, height;
+    };
+    std::unordered_map<std::string, Text> texts;
 };
 
 struct MonthPaintState {
