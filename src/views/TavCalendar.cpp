@@ -900,6 +900,10 @@ tav_calendar_init (TavCalendar *calendar)
         calendar_cell_init (&cell);
     tav_calendar_processor_set_first_day_of_week (processor_of (calendar), (guint) calendar->priv->first_day_of_week);
     rebuild_day_names (calendar);
+    /* Dated from the start, so the presented interval is a real one even
+     * before the first selection (which still rebuilds: reload is set). */
+    calendar_grid_set_month (calendar->priv->cells, processor_of (calendar), calendar->priv->year,
+                             calendar->priv->month, calendar->priv->first_day_of_week, calendar->priv->week_numbers);
     GTK_WIDGET_UNSET_FLAGS (GTK_WIDGET (calendar), GTK_NO_WINDOW);
 
     g_signal_connect (calendar, "button-press-event", G_CALLBACK (on_button_press_event_cb), NULL);

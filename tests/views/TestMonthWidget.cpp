@@ -180,6 +180,10 @@ TEST_F (MonthWidget, GridAlwaysStartsInThePreviousMonth)
 TEST_F (MonthWidget, SameMonthAgainIsIgnoredExceptTheFirstTime)
 {
     LogCapture capture;
+    TavDateInterval initial {};
+    tav_calendar_get_interval (calendar, &initial);
+    TavDate expected_start { 2007, 11, 31 }; /* January 2008, weeks from Monday */
+    EXPECT_EQ (tav_date_compare (&initial.start, &expected_start), 0) << "a new view shows January 2008";
     tav_calendar_select_month (calendar, 0, 2008); /* the initial month, but the first selection */
     EXPECT_EQ (activations.date_notifications, 1);
     tav_calendar_select_month (calendar, 0, 2008);
