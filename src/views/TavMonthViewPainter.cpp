@@ -189,7 +189,7 @@ struct CellMetrics {
         pad = std::max (2.0, std::floor (cell_width / 40.0));
         label_px = std::clamp (cell_height * 0.16, 10.0, 24.0);
         label_h = std::ceil (label_px * 1.4);
-        line_h = std::floor (std::clamp (cell_height / 6.6, 12.0, 24.0));
+        line_h = std::floor (std::clamp (cell_height / 6.6, 12.0, 21.0));
         line_px = line_h * 0.66;
         rows = std::max (0, (int) ((cell_height - label_h - pad) / line_h));
     }

@@ -457,3 +457,32 @@ TEST (GridDifferential, PrefetchedOrderMatchesThePropertyOrder)
     }
     EXPECT_EQ (capture.count_criticals (""), 0) << capture.dump ();
 }
+
+/* The painter's count of what a cell cannot show ------------------------------ */
+
+#include "TavMonthViewPainter.h"
+
+TEST (CellPainting, CountsLinesBelowTheRoomAndTheBuffer)
+{
+    LogCapture capture;
+    Entries e;
+    Grid grid (kYear, kMarch, 1);
+    for (const char *t : { "a1", "a2", "a3", "a4" })
+        grid.add (e (make_entry (t, at (18, 0), at (18, 0), true)));
+    for (int h = 8; h < 20; h++)
+        grid.add (e (make_entry ("t", at (18, h), at (18, h, 30))));
+    grid.add (e (make_entry ("bar", at (17, 9), at (19, 9))));
+    grid.recalculate ();
+    const CalendarCell &cell = grid.at (march (18));
+    /* 13 lines (three lanes, ten timed), four entries waiting; the bar's line
+     * is covered (drawn from the 17th) and never counts here. */
+    ASSERT_EQ (calendar_cell_n_entries (&cell), 13);
+    struct { int rows, hidden; } cases[] = { { 13, 4 }, { 5, 12 }, { 0, 16 }, { -1, 16 } };
+    for (const auto &c : cases)
+        EXPECT_EQ (tav::month_cell_hidden_count (&cell, c.rows), c.hidden) << c.rows << " rows";
+    /* The bar is covered on the 18th: its head on the 17th counts it. */
+    const CalendarCell &next = grid.at (march (19));
+    EXPECT_EQ (tav::month_cell_hidden_count (&next, 0), 0) << describe_cell (next);
+    EXPECT_GT (tav::month_cell_visible_rows (173), tav::month_cell_visible_rows (56));
+    EXPECT_GE (tav::month_cell_visible_rows (56), 2) << "a 480x360 cell shows two lines at least";
+}
