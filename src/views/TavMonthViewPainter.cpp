@@ -507,7 +507,9 @@ month_paint_header (cairo_t *cr, PangoContext *context, const MonthPaintCache &c
 {
     MonthPaintCache &cache = const_cast<MonthPaintCache &> (const_cache);
     if (state.background) {
+        /* Tiled: a small pattern covers the whole header. */
         gdk_cairo_set_source_pixmap (cr, state.background, 0, 0);
+        cairo_pattern_set_extend (cairo_get_source (cr), CAIRO_EXTEND_REPEAT);
         cairo_paint (cr);
     } else if (cache.background.original) {
         paint_image (cr, cache.background, 0, 0, width, height);

@@ -381,6 +381,24 @@ TEST_F (MonthWidget, PressedCellIsHighlightedUntilRelease)
     ASSERT_EQ (activations.days.size (), 1u);
 }
 
+TEST_F (MonthWidget, HostBackgroundIsPaintedBehindTheHeader)
+{
+    tav_calendar_select_month (calendar, 2, 2009);
+    show ();
+    const guint32 themed = pixel_at (GTK_WIDGET (calendar), 2, 2);
+    GdkPixmap *pixmap = gdk_pixmap_new (GTK_WIDGET (calendar)->window, 64, 64, -1);
+    cairo_t *cr = gdk_cairo_create (pixmap);
+    cairo_set_source_rgb (cr, 0x20 / 255.0, 0x80 / 255.0, 0x40 / 255.0);
+    cairo_paint (cr);
+    cairo_destroy (cr);
+    tav_calendar_set_background_image_pixmap (calendar, pixmap);
+    g_object_unref (pixmap); /* the view keeps its own reference */
+    EXPECT_EQ (pixel_at (GTK_WIDGET (calendar), 2, 2), 0x208040u);
+    EXPECT_EQ (pixel_at (GTK_WIDGET (calendar), 70, 2), 0x208040u) << "tiled";
+    tav_calendar_set_background_image_pixmap (calendar, NULL);
+    EXPECT_EQ (pixel_at (GTK_WIDGET (calendar), 2, 2), themed);
+}
+
 struct SwipeCase {
     const char *label;
     int dx, dy;
