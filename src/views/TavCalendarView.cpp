@@ -11,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+#include "TavCalendarEntryInternal.h"
 #include "TavCalendarTask.h"
 #include "TavCalendarViewPrivate.h"
 #include "TavGPtr.h"
@@ -108,20 +109,14 @@ expand_entry (TavCalendarView *view, TavCalendarEntry *entry, const TavDateInter
 {
     TavCalendarProcessor *processor = view->priv->processor.get ();
     gboolean has_repeat = FALSE;
-    TavTimestamp *start = NULL;
-    TavDate *end_date = NULL;
-    g_object_get (entry, "has-repeat", &has_repeat, "start-timestamp", &start, "end-date", &end_date, NULL);
-    if (!start) {
-        if (end_date)
-            tav_date_free (end_date);
-        return;
-    }
+    g_object_get (entry, "has-repeat", &has_repeat, NULL);
+    /* "start-timestamp" and "end-date", read directly. */
+    const tav::model::EntrySpan entry_span = tav::model::entry_span (entry);
+    const TavTimestamp *start = &entry_span.start;
 
     /* A task occupies its due day only. */
     const gboolean is_task = TAV_IS_CALENDAR_TASK (entry);
-    TavDateInterval own_span { start->date, (is_task || !end_date) ? start->date : *end_date };
-    if (end_date)
-        tav_date_free (end_date);
+    TavDateInterval own_span { start->date, is_task ? start->date : entry_span.end.date };
 
     if (tav_date_interval_intersect (&own_span, window, NULL))
         add_instance (view, start, entry);
@@ -145,7 +140,6 @@ expand_entry (TavCalendarView *view, TavCalendarEntry *entry, const TavDateInter
             instance = tav_calendar_entry_get_next_instance_timestamp (entry);
         }
     }
-    tav_timestamp_free (start);
 }
 
 static void

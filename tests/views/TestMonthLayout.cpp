@@ -458,6 +458,49 @@ TEST (GridDifferential, PrefetchedOrderMatchesThePropertyOrder)
     EXPECT_EQ (capture.count_criticals (""), 0) << capture.dump ();
 }
 
+TEST (GridDifferential, PrefetchedPropertiesMatchTheProperties)
+{
+    Entries e;
+    TavDate later { kYear, kMarch, 20 };
+    TavCalendarEntry *task = e (make_task ("task", at (12, 9)));
+    g_object_set (task, "end-date", &later, NULL); /* a task is never multi-day */
+    TavCalendarEntry *repeating = e (make_entry ("weekly", at (2, 8, 15), at (2, 9, 45), false, 4));
+    g_object_set (repeating, "repeat-code", TavCalendarRepeatsEveryWeek, NULL);
+    const std::vector<TavCalendarEntry *> entries = {
+        task, repeating, e (make_entry ("trip", at (3, 22), at (9, 6), false, 7)),
+        e (make_entry ("holiday", at (5, 0), at (5, 0), true, 9)), e (make_birthday ("Anna", at (6, 0))),
+    };
+    TavCalendarProcessor *processor = tav_calendar_processor_new ();
+    for (TavCalendarEntry *entry : entries) {
+        const CalendarEntryInfo info = calendar_entry_info_new (entry, processor);
+        TavDate *sd = NULL, *ed = NULL;
+        int sh, sm, eh, em, color, created;
+        gboolean all_day, has_repeat, multi_days, bday;
+        g_object_get (entry, "start-date", &sd, "end-date", &ed, "start-hour", &sh, "start-minute", &sm, "end-hour",
+                      &eh, "end-minute", &em, "color", &color, "created-time", &created, "all-day", &all_day,
+                      "has-repeat", &has_repeat, "multi-days", &multi_days, "has-birthday", &bday, NULL);
+        const char *title = tav_calendar_entry_get_title (entry);
+        SCOPED_TRACE (title);
+        EXPECT_EQ (tav_date_compare (&info.start_date, sd), 0);
+        EXPECT_EQ (tav_date_compare (&info.end_date, ed), 0);
+        EXPECT_EQ (info.start_hour, sh);
+        EXPECT_EQ (info.start_minute, sm);
+        EXPECT_EQ (info.end_hour, eh);
+        EXPECT_EQ (info.end_minute, em);
+        EXPECT_EQ (info.color, color);
+        EXPECT_EQ (info.created_time, created);
+        EXPECT_EQ (info.all_day, all_day);
+        EXPECT_EQ (info.has_repeat, has_repeat);
+        EXPECT_EQ (info.multi_days, multi_days);
+        EXPECT_EQ (info.has_bday, bday);
+        EXPECT_EQ (info.n_days, tav_calendar_processor_get_date_interval_in_days (processor, *sd, *ed) + 1);
+        EXPECT_EQ (info.title, title);
+        tav_date_free (sd);
+        tav_date_free (ed);
+    }
+    g_object_unref (processor);
+}
+
 /* The painter's count of what a cell cannot show ------------------------------ */
 
 #include "TavMonthViewPainter.h"
