@@ -9,5 +9,7 @@
 #include "calendarui/TavHelper.h"
 #include "calendarui/TavCalendarEnums.h"
 #include "calendarui/TavEnumTypes.h"
+#include "calendarui/TavDate.h"
+#include "calendarui/TavCalendarProcessor.h"
 
 #endif /* CALENDARUI_H */
