@@ -8,7 +8,11 @@
 #ifndef TAV_WEEK_VIEW_PRIVATE_H
 #define TAV_WEEK_VIEW_PRIVATE_H
 
-#include <calendarui.h>
+#include "TavDate.h"
+#include "TavCalendarProcessor.h"
+#include "TavCalendarEntry.h"
+#include "TavCalendarTask.h"
+#include "TavHelper.h"
 
 G_BEGIN_DECLS
 
