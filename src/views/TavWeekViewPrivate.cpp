@@ -9,7 +9,11 @@
 #include "TavLog.h"
 
 /* Internal code asserts its pointers: a NULL here is a bug in the view. */
-#define WEEK_ASSERT(expr) g_assert (expr)
+#define WEEK_ASSERT(expr)                                                                   \
+    G_STMT_START {                                                                          \
+        if (G_UNLIKELY (!(expr)))                                                           \
+            g_assertion_message_expr (G_LOG_DOMAIN, __FILE__, __LINE__, G_STRFUNC, #expr); \
+    } G_STMT_END
 
 namespace {
 
@@ -167,7 +171,7 @@ gint week_entry_mod_time_sorter (gconstpointer task1, gconstpointer task2)
 void week_entry_append_task_entry_to_wentry (WeekEntry *wentry, TavCalendarTask *task)
 {
     WEEK_ASSERT (wentry != NULL);
-    WEEK_ASSERT (TAV_IS_CALENDAR_ENTRY (task));
+    WEEK_ASSERT (TAV_IS_CALENDAR_ENTRY(task));
 
     wentry->n_tasks += 1;
     ref_for_record (task, 587);
@@ -409,7 +413,7 @@ int week_entry_list_n_all_day_entries (WeekEntryList *wentry_list)
 WeekEntry *week_entry_list_find_hour_wentry_for_entry (WeekEntryList *wentry_list, TavCalendarEntry *entry)
 {
     WEEK_ASSERT (wentry_list != NULL);
-    WEEK_ASSERT (TAV_IS_CALENDAR_ENTRY (entry));
+    WEEK_ASSERT (TAV_IS_CALENDAR_ENTRY(entry));
     for (GList *l = wentry_list->hour_entries; l; l = l->next) {
         WeekEntry *wentry = data_of (l);
         if (TAV_IS_CALENDAR_ENTRY (wentry->entry) && tav_calendar_entry_is_equal (wentry->entry, entry))
@@ -421,7 +425,7 @@ WeekEntry *week_entry_list_find_hour_wentry_for_entry (WeekEntryList *wentry_lis
 WeekEntry *week_entry_list_find_allday_wentry_for_entry (WeekEntryList *wentry_list, TavCalendarEntry *entry)
 {
     WEEK_ASSERT (wentry_list != NULL);
-    WEEK_ASSERT (TAV_IS_CALENDAR_ENTRY (entry));
+    WEEK_ASSERT (TAV_IS_CALENDAR_ENTRY(entry));
 
     if (TAV_IS_CALENDAR_TASK (entry)) {
         /* All of a day's tasks share one record. */
