@@ -929,7 +929,7 @@ static void tav_week_view_unrealize (GtkWidget *widget)
 static void tav_week_view_size_request (GtkWidget *widget, GtkRequisition *requisition)
 {
     requisition->width = kHourColumnWidth + NColumns * 40;
-    requisition->height = kHeaderHeight + 4 * kHourHeight;
+    requisition->height = kHeaderHeight + 2 * kHourHeight;
 }
 
 static void tav_week_view_size_allocate (GtkWidget *widget, GtkAllocation *allocation)

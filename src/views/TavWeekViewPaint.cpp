@@ -233,7 +233,7 @@ static void ensure_cache (TavWeekView *view, int width)
 }
 
 static void paint_hour_entry (cairo_t *cr, TavWeekView *view, PangoLayout *layout, WeekEntry *wentry,
-                              const GdkRectangle &r)
+                              const GdkRectangle &r, int visible_top)
 {
     const Rgb color = rgb_of (wentry->color);
     const Rgb fill = mix (color, kWhite, wentry->color == 6 ? 0.2 : 0.78);
@@ -256,19 +256,45 @@ static void paint_hour_entry (cairo_t *cr, TavWeekView *view, PangoLayout *layou
 
     if (r.width < 14 || r.height < 10)
         return;
+    /* Time, title and place as far as they fit: a short entry gets one
+     * line, a narrow one (a crowded hour) only its title. */
     const gboolean twelve_hour = !view->priv->time_24hr_format;
-    std::string markup = week_entry_get_summary_time (wentry, twelve_hour ? 0 : 1);
-    markup = "<small>" + markup + "</small>\n" + week_entry_get_summary (wentry);
+    const std::string time = week_entry_get_summary_time (wentry, twelve_hour ? 0 : 1);
+    const std::string title = std::string ("<b>") + week_entry_get_title (wentry) + "</b>";
+    tav::GCharPtr location_raw;
+    {
+        char *loc = nullptr;
+        if (G_IS_OBJECT (wentry->entry))
+            g_object_get (wentry->entry, "location", &loc, NULL);
+        location_raw.reset (loc);
+    }
+    std::string markup;
+    const bool narrow = r.width < 64;
+    if (narrow)
+        markup = title;
+    else if (r.height < 40)
+        markup = "<small>" + time + "</small> " + title;
+    else {
+        markup = "<small>" + time + "</small>\n" + title;
+        if (location_raw && *location_raw) {
+            tav::GCharPtr location (g_markup_escape_text (location_raw.get (), -1));
+            markup += std::string ("\n<span color=\"#5f6670\">") + location.get () + "</span>";
+        }
+    }
     pango_layout_set_markup (layout, markup.c_str (), -1);
     pango_layout_set_width (layout, (r.width - 9) * PANGO_SCALE);
-    pango_layout_set_height (layout, (r.height - 4) * PANGO_SCALE);
-    pango_layout_set_wrap (layout, PANGO_WRAP_WORD_CHAR);
+    pango_layout_set_wrap (layout, narrow ? PANGO_WRAP_CHAR : PANGO_WRAP_WORD_CHAR);
     pango_layout_set_ellipsize (layout, PANGO_ELLIPSIZE_END);
+    /* Keep the label in sight while the entry's start is scrolled away. */
+    int text_y = r.y + 2;
+    if (text_y < visible_top + 2 && r.y + r.height - (visible_top + 2) > 16)
+        text_y = visible_top + 2;
+    pango_layout_set_height (layout, (r.y + r.height - text_y - 2) * PANGO_SCALE);
     cairo_save (cr);
     cairo_rectangle (cr, r.x + 6, r.y + 1, r.width - 7, r.height - 2);
     cairo_clip (cr);
     set_source (cr, kDarkText);
-    show_text (cr, layout, r.x + 7, r.y + 2);
+    show_text (cr, layout, r.x + 7, text_y);
     cairo_restore (cr);
 }
 
@@ -376,7 +402,7 @@ void paint_table (TavWeekView *view, GdkRectangle *area)
             GdkRectangle r = hour_entry_rect (priv, width, col, wentry);
             if (r.y > visible_bottom || r.y + r.height < visible_top)
                 continue;
-            paint_hour_entry (cr, view, layout.get (), wentry, r);
+            paint_hour_entry (cr, view, layout.get (), wentry, r, origin);
         }
     }
 
