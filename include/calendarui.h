@@ -15,5 +15,8 @@
 #include "calendarui/TavCalendarTask.h"
 #include "calendarui/TavCalendarNote.h"
 #include "calendarui/TavCalendarSource.h"
+#include "calendarui/TavCalendarView.h"
+#include "calendarui/TavCalendar.h"
+#include "calendarui/TavWeekView.h"
 
 #endif /* CALENDARUI_H */
