@@ -8,6 +8,8 @@
 
 #include "TavCalendarNote.h"
 #include "TavCalendarTask.h"
+#include "KivoNote.h"
+#include "KivoTapAndHold.h"
 #include "TavIntl.h"
 #include "TavLog.h"
 
@@ -616,7 +618,7 @@ void tav_week_view_csm_delete_clicked (GtkWidget *item, TavWeekView *week_view)
 static void week_view_build_menu (TavWeekView *week_view)
 {
     TavWeekViewPrivate *priv = week_view->priv;
-    priv->menu = gtk_menu_new ();
+    priv->menu = kivo_gtk_menu_new ();
     g_object_ref_sink (priv->menu);
     priv->menu_edit = gtk_menu_item_new_with_label (TAV_CAL ("cal_ti_context_edit"));
     priv->menu_delete = gtk_menu_item_new_with_label (TAV_CAL ("cal_ti_context_delete"));
@@ -1170,10 +1172,11 @@ static void tav_week_view_init (TavWeekView *week_view)
     g_signal_connect (week_view, "button-press-event", G_CALLBACK (tav_week_view_button_press), NULL);
     g_signal_connect (week_view, "motion-notify-event", G_CALLBACK (tav_week_view_motion), NULL);
     g_signal_connect (week_view, "button-release-event", G_CALLBACK (tav_week_view_button_release), NULL);
-    if (g_signal_lookup ("tap-and-hold-query", GTK_TYPE_WIDGET) && g_signal_lookup ("tap-and-hold", GTK_TYPE_WIDGET)) {
-        g_signal_connect (week_view, "tap-and-hold-query", G_CALLBACK (on_tap_and_hold_query_cb), NULL);
-        g_signal_connect (week_view, "tap-and-hold", G_CALLBACK (on_tap_and_hold_cb), NULL);
-    }
+    /* 4: the "tap-and-hold" handler pops up the menu itself, after
+     * fitting its items to the entry under the finger. */
+    gtk_widget_tap_and_hold_setup (GTK_WIDGET (week_view), NULL, NULL, 4);
+    g_signal_connect (week_view, "tap-and-hold-query", G_CALLBACK (on_tap_and_hold_query_cb), NULL);
+    g_signal_connect (week_view, "tap-and-hold", G_CALLBACK (on_tap_and_hold_cb), NULL);
 }
 
 /* Presented interval ----------------------------------------------------------------- */
