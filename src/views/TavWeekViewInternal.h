@@ -5,6 +5,9 @@
 
 #include <array>
 #include <ctime>
+#include <memory>
+
+#include <cairo.h>
 
 #include "TavGPtr.h"
 #include "TavWeekView.h"
@@ -97,8 +100,12 @@ struct _TavWeekViewPrivate {
     GdkWindow *table_win = nullptr;
 
     /* The table's background (grid, shading, all-day bar) for the whole
-     * scroll height, so a scroll step only copies it. */
-    tav::GRefPtr<GdkPixmap> cache;
+     * scroll height, kept on the client side: an expose composes the
+     * visible part with the entries in memory and sends one image. */
+    struct SurfaceDeleter {
+        void operator() (cairo_surface_t *s) const { cairo_surface_destroy (s); }
+    };
+    std::unique_ptr<cairo_surface_t, SurfaceDeleter> cache;
     int cache_width = 0;
     int cache_height = 0;
     bool cache_stale = true;
