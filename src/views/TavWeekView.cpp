@@ -838,8 +838,18 @@ static gboolean tav_week_view_button_release (GtkWidget *widget, GdkEventButton 
 static gboolean on_tap_and_hold_query_cb (GtkWidget *widget, GdkEvent *event, gpointer)
 {
     TavWeekView *week_view = TAV_WEEK_VIEW (widget);
-    /* Returning TRUE refuses the menu: only a pressed record has one. */
-    return week_view->priv->entry_for_csm ? FALSE : TRUE;
+    TavWeekViewPrivate *priv = week_view->priv;
+    /* The query comes with the press, before our press handler has run:
+     * find the record under the finger here. */
+    if (event && (event->type == GDK_BUTTON_PRESS) && area_of (week_view, event->button.window) == Area::Table) {
+        const int y = static_cast<int> (event->button.y) + static_cast<int> (scroll_value (priv));
+        Hit hit = week_view_hit_test (week_view, static_cast<int> (event->button.x), y);
+        priv->entry_for_csm = hit.wentry ? tav::GRefPtr<TavCalendarEntry> (hit.wentry->entry) : nullptr;
+    } else if (event && event->type == GDK_BUTTON_PRESS) {
+        priv->entry_for_csm = nullptr;
+    }
+    /* TRUE refuses the hold: only an entry has a menu. */
+    return priv->entry_for_csm ? FALSE : TRUE;
 }
 
 static void on_tap_and_hold_cb (GtkWidget *widget, gpointer)

@@ -446,6 +446,39 @@ TEST (WeekContextMenu, EditAndDeleteActOnThePressedEntry)
     g_list_free (items);
 }
 
+TEST (WeekContextMenu, HoldingAnEntryOpensTheMenuAndIsNoTap)
+{
+    REQUIRE_DISPLAY ();
+    Fixture f (800, 480);
+    TavDate tue = { 2009, 2, 10 };
+    f.add (make_event ("Lunch", tue, 7, 0, 7, 50, 1));
+    TavTime six = { 6, 0 };
+    tav_week_view_snap_to_time (f.view, &six);
+    flush_events ();
+    Recorder rec;
+    rec.connect (f.view);
+    const int x = f.col_x (1), y = f.win_y (_tav_week_view_time_to_table_offset (f.view, 7, 20));
+    ASSERT_TRUE (gdk_test_simulate_button (f.priv ()->table_win, x, y, 1, GdkModifierType (0), GDK_BUTTON_PRESS));
+    tav::test::run_main_loop_until ([&] { return f.priv ()->menu && gtk_widget_get_visible (f.priv ()->menu); }, 3000);
+    ASSERT_TRUE (f.priv ()->menu && gtk_widget_get_visible (f.priv ()->menu)) << "the hold pops up the menu";
+    gdk_test_simulate_button (f.priv ()->table_win, x, y, 1, GdkModifierType (0), GDK_BUTTON_RELEASE);
+    flush_events ();
+    EXPECT_EQ (rec.joined (), "") << "a hold is not a tap";
+    gtk_menu_item_activate (GTK_MENU_ITEM (f.priv ()->menu_edit));
+    gtk_menu_popdown (GTK_MENU (f.priv ()->menu));
+    flush_events ();
+    EXPECT_EQ (rec.joined (), "edit Lunch");
+
+    /* A hold on an empty slot offers nothing. */
+    f.priv ()->entry_for_csm = nullptr;
+    const int empty_y = f.win_y (_tav_week_view_time_to_table_offset (f.view, 6, 20));
+    ASSERT_TRUE (gdk_test_simulate_button (f.priv ()->table_win, x, empty_y, 1, GdkModifierType (0), GDK_BUTTON_PRESS));
+    tav::test::run_main_loop_until ([&] { return false; }, 1200);
+    EXPECT_FALSE (gtk_widget_get_visible (f.priv ()->menu));
+    gdk_test_simulate_button (f.priv ()->table_win, x, empty_y, 1, GdkModifierType (0), GDK_BUTTON_RELEASE);
+    flush_events ();
+}
+
 TEST (WeekPainting, AMissingThemeColourIsReportedAndReplaced)
 {
     REQUIRE_DISPLAY ();
@@ -544,6 +577,24 @@ TEST (WeekPainting, ABusyWeekIsPaintedWhereItsEntriesAre)
     /* The hour column and the header are not left blank. */
     EXPECT_NE (pixel (5, tav::week::kHeaderHeight + 100), 0xffffff);
     EXPECT_NE (pixel (400, 10), 0xffffff);
+
+    /* The afternoon, with the current-time marker across Tuesday. */
+    TavTime eleven = { 11, 0 };
+    tav_week_view_snap_to_time (f.view, &eleven);
+    gdk_window_invalidate_rect (w->window, NULL, TRUE);
+    gdk_window_process_all_updates ();
+    flush_events ();
+    shot = tav::adoptGRef (gdk_pixbuf_get_from_drawable (NULL, w->window, gtk_widget_get_colormap (w), 0, 0, 0, 0,
+                                                         w->allocation.width, w->allocation.height));
+    tav::GCharPtr path2 (g_build_filename (out ? out : TAV_BUILD_ROOT, out ? NULL : "week-view-afternoon.png", NULL));
+    if (out)
+        path2.reset (g_strconcat (out, ".afternoon.png", NULL));
+    ASSERT_TRUE (gdk_pixbuf_save (shot.get (), path2.get (), "png", NULL, NULL));
+    const int now_y = tav::week::kHeaderHeight + f.win_y (_tav_week_view_time_to_table_offset (f.view, 14, 25));
+    const int tue_x = tav::week::kHourColumnWidth + f.col_x (1) + 20;
+    const int marker = pixel (tue_x, now_y);
+    EXPECT_TRUE ((marker >> 16) > 200 && ((marker >> 8) & 0xff) < 70 && (marker & 0xff) < 70)
+        << std::hex << marker << ": the red marker at 14:25 on Tuesday";
 }
 
 } // namespace
