@@ -6,6 +6,7 @@
 #include "TavCalendarNote.h"
 #include "TavGPtr.h"
 #include "TavWeekViewInternal.h"
+#include "KivoPannableArea.h"
 
 #include <gdk/gdktestutils.h>
 
@@ -595,6 +596,97 @@ TEST (WeekPainting, ABusyWeekIsPaintedWhereItsEntriesAre)
     const int marker = pixel (tue_x, now_y);
     EXPECT_TRUE ((marker >> 16) > 200 && ((marker >> 8) & 0xff) < 70 && (marker & 0xff) < 70)
         << std::hex << marker << ": the red marker at 14:25 on Tuesday";
+}
+
+TEST (WeekScrolling, APannableAreaDrivesTheView)
+{
+    REQUIRE_DISPLAY ();
+    GtkWidget *window = gtk_window_new (GTK_WINDOW_TOPLEVEL);
+    gtk_window_set_default_size (GTK_WINDOW (window), 800, 480);
+    gtk_window_move (GTK_WINDOW (window), 0, 0);
+    GtkWidget *area = kivo_pannable_area_new ();
+    TavWeekView *view = TAV_WEEK_VIEW (tav_week_view_new ());
+    gtk_container_add (GTK_CONTAINER (area), GTK_WIDGET (view));
+    gtk_container_add (GTK_CONTAINER (window), area);
+    TavDate monday = { 2009, 2, 9 };
+    tav_week_view_set_presented_interval_by_date (view, &monday);
+    gtk_widget_show_all (window);
+    tav::test::run_main_loop_until ([&] { return GTK_WIDGET (view)->allocation.height > 300; }, 2000);
+    flush_events ();
+
+    GtkAdjustment *adj = kivo_pannable_area_get_vadjustment (KIVO_PANNABLE_AREA (area));
+    EXPECT_EQ (view->priv->vadjustment.get (), adj) << "the area hands its adjustment to the view";
+    EXPECT_EQ (adj->upper, 24 * 70 + 68);
+    kivo_pannable_area_scroll_to (KIVO_PANNABLE_AREA (area), -1, 300);
+    flush_events ();
+    EXPECT_EQ (gtk_adjustment_get_value (view->priv->vadjustment.get ()), 300);
+
+    /* A tap through the area still reaches the view. */
+    Recorder rec;
+    rec.connect (view);
+    int w = 0, h = 0;
+    gdk_drawable_get_size (view->priv->table_win, &w, &h);
+    const int x = (tav::week::column_x (w, 3) + tav::week::column_x (w, 4)) / 2;
+    const int y = _tav_week_view_time_to_table_offset (view, 5, 10) - 300;
+    gdk_test_simulate_button (view->priv->table_win, x, y, 1, GdkModifierType (0), GDK_BUTTON_PRESS);
+    gdk_test_simulate_button (view->priv->table_win, x, y, 1, GdkModifierType (0), GDK_BUTTON_RELEASE);
+    tav::test::run_main_loop_until ([&] { return !rec.calls.empty (); }, 1000);
+    EXPECT_EQ (rec.joined (), "insert 2009-3-12 5:0 timed");
+    gtk_widget_destroy (window);
+    flush_events ();
+}
+
+TEST (WeekScrolling, AnUnpaintedValueWaitsForPanningToStop)
+{
+    REQUIRE_DISPLAY ();
+    /* Not realized: nothing repaints, so the value never matches the
+     * painted one and the idle gives up waiting after five passes. */
+    TavWeekView *view = TAV_WEEK_VIEW (g_object_ref_sink (tav_week_view_new ()));
+    LogCapture capture;
+    GtkAdjustment *adj = view->priv->vadjustment.get ();
+    adj->upper = 2000;
+    adj->page_size = 100;
+    gtk_adjustment_set_value (adj, 250);
+    EXPECT_NE (view->priv->idle_tag, 0u);
+    tav::test::run_main_loop_until ([&] { return view->priv->idle_tag == 0; }, 2000);
+    EXPECT_EQ (view->priv->idle_tag, 0u);
+    EXPECT_GE (capture.count_lines (tav::test::LoggedLine::LibMessage, "still panning is going on lets wait"), 1);
+    EXPECT_EQ (view->priv->last_painted_value, 250);
+    g_object_unref (view);
+}
+
+TEST (WeekNavigation, ThisWeekHoldsTodayAndNeighboursAreFound)
+{
+    REQUIRE_DISPLAY ();
+    Fixture f;
+    tav_week_view_set_presented_interval_thisweek (f.view);
+    TavDateInterval week;
+    ASSERT_TRUE (tav_calendar_view_get_presented_interval (TAV_CALENDAR_VIEW (f.view), &week));
+    TavDate today;
+    tav_date_init_today (&today);
+    EXPECT_TRUE (tav_date_interval_contains (&week, &today));
+    TavCalendarProcessor *proc = tav_calendar_view_get_processor (TAV_CALENDAR_VIEW (f.view));
+    EXPECT_EQ (tav_calendar_processor_date_to_day_of_week (proc, &week.start), 1u);
+    EXPECT_EQ (tav_calendar_processor_get_date_interval_in_days (proc, week.start, week.end), 6);
+
+    TavDate monday = { 2009, 2, 9 }, tue = { 2009, 2, 10 };
+    tav_week_view_set_presented_interval_by_date (f.view, &monday);
+    TavCalendarEntry *first = f.add (make_event ("First", monday, 9, 0, 10, 0, 1));
+    TavCalendarEntry *middle = f.add (make_event ("Middle", tue, 9, 0, 10, 0, 1));
+    TavCalendarEntry *last = f.add (make_event ("Last", tue, 11, 0, 12, 0, 1));
+    struct Row { const char *label; TavCalendarEntry *entry; TavDate date; gboolean prev, next; } rows[] = {
+        { "first of the week", first, monday, FALSE, TRUE },
+        { "in the middle", middle, tue, TRUE, TRUE },
+        { "last of the week", last, tue, TRUE, FALSE },
+    };
+    for (const Row &r : rows) {
+        SCOPED_TRACE (r.label);
+        gboolean prev = 2, next = 2;
+        EXPECT_TRUE (tav_calendar_view_get_next_prev_status_for_entry (TAV_CALENDAR_VIEW (f.view), r.entry, &r.date,
+                                                                        &prev, &next));
+        EXPECT_EQ (prev, r.prev);
+        EXPECT_EQ (next, r.next);
+    }
 }
 
 } // namespace
