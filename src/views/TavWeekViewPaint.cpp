@@ -318,10 +318,15 @@ static void paint_hour_entry (cairo_t *cr, TavWeekView *view, PangoLayout *layou
     pango_layout_set_width (layout, (r.width - 9) * PANGO_SCALE);
     pango_layout_set_wrap (layout, narrow ? PANGO_WRAP_CHAR : PANGO_WRAP_WORD_CHAR);
     pango_layout_set_ellipsize (layout, PANGO_ELLIPSIZE_END);
-    /* Keep the label in sight while the entry's start is scrolled away. */
+    /* Keep the label in sight while the entry's start is scrolled away or
+     * hidden under the all-day bar. */
     int text_y = r.y + 2;
     if (text_y < visible_top + 2 && r.y + r.height - (visible_top + 2) > 16)
         text_y = visible_top + 2;
+    const int bar_top = view->priv->all_day_bar_hour * kHourHeight;
+    const int bar_bottom = bar_top + view->priv->all_day_bar_height;
+    if (text_y + 12 > bar_top && text_y < bar_bottom && r.y + r.height - (bar_bottom + 2) > 16)
+        text_y = bar_bottom + 2;
     pango_layout_set_height (layout, (r.y + r.height - text_y - 2) * PANGO_SCALE);
     cairo_save (cr);
     cairo_rectangle (cr, r.x + 6, r.y + 1, r.width - 7, r.height - 2);
@@ -542,10 +547,13 @@ void paint_hours (TavWeekView *view, GdkRectangle *area)
     cairo_translate (cr, 0, -origin);
     tav::GUniquePtr<PangoFontDescription> font = style_font (widget, "font-name-row");
     pango_font_description_set_size (font.get (), pango_font_description_get_size (font.get ()) * 3 / 4);
+    const gboolean twelve_hour = !priv->time_24hr_format;
+    if (twelve_hour) /* "10:00 am" is longer than "10:00" */
+        pango_font_description_set_size (font.get (), pango_font_description_get_size (font.get ()) * 5 / 6);
     auto layout = make_layout (cr, font.get ());
     pango_layout_set_width (layout.get (), (width - 8) * PANGO_SCALE);
     pango_layout_set_alignment (layout.get (), PANGO_ALIGN_RIGHT);
-    const gboolean twelve_hour = !priv->time_24hr_format;
+    pango_layout_set_ellipsize (layout.get (), PANGO_ELLIPSIZE_END);
 
     for (int h = 0; h < 24; h++) {
         const int y = time_to_table_offset (priv, h, 0);
@@ -566,6 +574,7 @@ void paint_hours (TavWeekView *view, GdkRectangle *area)
     cairo_rectangle (cr, 0, bar_top, width - 1, priv->all_day_bar_height);
     cairo_fill (cr);
     pango_layout_set_text (layout.get (), TAV_CAL ("cal_va_allday"), -1);
+    pango_layout_set_ellipsize (layout.get (), PANGO_ELLIPSIZE_NONE);
     pango_layout_set_wrap (layout.get (), PANGO_WRAP_WORD);
     set_source (cr, kHoursText);
     show_text (cr, layout.get (), 2, bar_top + 8);

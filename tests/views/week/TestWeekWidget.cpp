@@ -322,6 +322,20 @@ TEST (WeekTaps, TheSeventhSlotOfACrowdedDayOpensTheDay)
     GdkRectangle first = tav::week::all_day_entry_rect (f.priv (), f.table_width (), 2, 0);
     f.tap (f.priv ()->table_win, first.x + 10, f.win_y (first.y + 10));
     EXPECT_EQ (rec.joined (), "day 2009-3-11; entry a 11");
+
+    /* For a person to look at: the crowded bar, with the 12-hour clock. */
+    g_object_set (f.view, "time-24hr-format", FALSE, NULL);
+    f.add (make_event ("Trip to Rome", TavDate { 2009, 2, 10 }, 0, 0, 0, 0, 4, TRUE, 3));
+    f.add (make_event ("Early call", TavDate { 2009, 2, 12 }, 7, 30, 8, 30, 7));
+    tav_week_view_snap_to_all_day_bar (f.view);
+    GtkWidget *w = GTK_WIDGET (f.view);
+    gdk_window_invalidate_rect (w->window, NULL, TRUE);
+    gdk_window_process_all_updates ();
+    flush_events ();
+    tav::GRefPtr<GdkPixbuf> shot = tav::adoptGRef (gdk_pixbuf_get_from_drawable (
+        NULL, w->window, gtk_widget_get_colormap (w), 0, 0, 0, 0, w->allocation.width, w->allocation.height));
+    tav::GCharPtr path (g_build_filename (TAV_BUILD_ROOT, "week-view-crowded.png", NULL));
+    EXPECT_TRUE (gdk_pixbuf_save (shot.get (), path.get (), "png", NULL, NULL));
 }
 
 TEST (WeekEntries, BadInputIsRefusedWithItsMessage)
