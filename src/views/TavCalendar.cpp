@@ -523,7 +523,7 @@ tav_calendar_size_request (GtkWidget *widget, GtkRequisition *requisition)
 static void
 compute_geometry (TavCalendarPrivate *priv, const GtkAllocation *allocation)
 {
-    const int header = CLAMP (allocation->height / 14, 18, 44);
+    const int header = CLAMP (allocation->height / 18, 18, 40);
     const int week = CLAMP (allocation->width / 16, 26, 64);
     priv->cell_width = MAX (1, (allocation->width - week) / NColumns);
     priv->cell_height = MAX (1, (allocation->height - header) / NRows);

@@ -27,7 +27,6 @@ namespace {
 constexpr MonthRgb kPage { 0.086, 0.110, 0.149 };
 constexpr MonthRgb kHeader { 0.067, 0.086, 0.118 };
 constexpr MonthRgb kCellThis { 0.137, 0.169, 0.220 };
-constexpr MonthRgb kCellWeekend { 0.122, 0.153, 0.200 };
 constexpr MonthRgb kCellOther { 0.102, 0.125, 0.161 };
 constexpr MonthRgb kPressed { 0.184, 0.427, 0.710 };
 constexpr MonthRgb kToday { 1.000, 0.702, 0.000 };
@@ -165,8 +164,8 @@ struct CellMetrics {
         pad = std::max (2.0, std::floor (cell_width / 40.0));
         label_px = std::clamp (cell_height * 0.16, 10.0, 24.0);
         label_h = std::ceil (label_px * 1.4);
-        line_h = std::floor (std::clamp (cell_height / 8.0, 12.0, 22.0));
-        line_px = line_h * 0.68;
+        line_h = std::floor (std::clamp (cell_height / 6.6, 12.0, 24.0));
+        line_px = line_h * 0.66;
         rows = std::max (0, (int) ((cell_height - label_h - pad) / line_h));
     }
 };
@@ -257,9 +256,6 @@ paint_cell_background (cairo_t *cr, MonthPaintCache &cache, const MonthPaintStat
         paint_image (cr, image, x, y, w, h);
         return;
     }
-    const bool weekend = cell.month_type == MONTH_TYPE_THIS &&
-                         (((col + 7) % 7 == 5 && false) || false);
-    (void) weekend;
     MonthRgb base = pressed ? kPressed : cell.month_type == MONTH_TYPE_THIS ? kCellThis : kCellOther;
     const double gap = 1.0;
     if (state.use_effects) {
@@ -500,7 +496,7 @@ month_paint_header (cairo_t *cr, PangoContext *context, const MonthPaintCache &c
         cairo_fill (cr);
     }
     TextPainter text (cr, context);
-    text.set_font (cache.emphasized_font.get (), std::clamp (state.header_height * 0.46, 9.0, 20.0), true);
+    text.set_font (cache.emphasized_font.get (), std::clamp (state.header_height * 0.38, 9.0, 18.0), false);
     for (int col = 0; col < NColumns; col++) {
         set_rgb (cr, cache.font_day, 0.85);
         text.draw ((*state.day_names)[col].c_str (), state.week_width + col * state.cell_width, 0,
