@@ -223,7 +223,7 @@ int main (int argc, char **argv)
     std::vector<std::string> lines;
     auto report = [&] (const char *what, double ms, double baseline_ms, const char *baseline) {
         char buf[256];
-        g_snprintf (buf, sizeof buf, "%-44s %9.3f ms   baseline %-22s %9.3f ms   ratio %6.2f", what, ms, baseline,
+        g_snprintf (buf, sizeof buf, "%-44s %10.4f ms   baseline %-22s %10.4f ms   ratio %6.2f", what, ms, baseline,
                     baseline_ms, baseline_ms > 0 ? ms / baseline_ms : 0.0);
         lines.push_back (buf);
     };
@@ -252,7 +252,7 @@ int main (int argc, char **argv)
     double empty_ms = 0, busy_ms = 0;
     {
         std::vector<double> empty, busy, read;
-        for (int run = 0; run < 11; run++) {
+        for (int run = 0; run < 21; run++) {
             ShownView e = show_week (width, height);
             auto start = Clock::now ();
             read_week (e.view, {});
