@@ -543,10 +543,18 @@ std::vector<Placement> layout_overlaps (const std::vector<Span> &spans)
      * none does. Scanning backwards and stopping at the first hit gives the
      * same numbers as the forward overwrite in far fewer tests when a day
      * is crowded. */
+    /* Two ranges can only meet when each ends at or after the other's
+     * start, so once no earlier record ends at or after this one's start
+     * (the running maximum of the ends), the scan can stop: a day of
+     * consecutive entries costs one test per entry. */
+    std::vector<int> max_end (n);
     int last_group = 0;
     for (size_t j = 0; j < n; j++) {
+        max_end[j] = j ? std::max (max_end[j - 1], spans[j].end) : spans[j].end;
         int group = 0;
         for (size_t i = j; i-- > 0;) {
+            if (max_end[i] < spans[j].start)
+                break;
             if (spans_intersect (spans[i], spans[j])) {
                 group = out[i].group;
                 break;
