@@ -13,12 +13,8 @@ if [ ! -f "$build_dir/build.ninja" ]; then
 fi
 ninja -C "$build_dir" || exit 1
 
-runner=()
-if [ -z "${DISPLAY:-}" ]; then
-  runner=(xvfb-run -a -s "-screen 0 1280x1024x24 -nolisten tcp")
-fi
-
-"${runner[@]}" meson test -C "$build_dir" --print-errorlogs --num-processes 2
+# Each test program starts an X server of its own (tests/with-xvfb.sh).
+meson test -C "$build_dir" --print-errorlogs --num-processes 2
 status=$?
 
 python3 tools/count-results.py "$build_dir/meson-logs/testlog.junit.xml" || status=1
