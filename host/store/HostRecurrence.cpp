@@ -1,0 +1,368 @@
+#include "HostRecurrence.h"
+#include "HostCivilTime.h"
+
+#include <libical/ical.h>
+
+#include <algorithm>
+#include <memory>
+#include <unordered_set>
+
+namespace tav::host {
+
+namespace {
+
+struct IteratorDeleter {
+    void operator() (icalrecur_iterator *it) const { icalrecur_iterator_free (it); }
+};
+using IteratorPtr = std::unique_ptr<icalrecur_iterator, IteratorDeleter>;
+
+bool parse_rule (const std::string &text, icalrecurrencetype &rule)
+{
+    icalerror_clear_errno ();
+    /* libical reports a bad rule through icalerrno and may print to stderr
+     * when its error handling is set to abort; keep it quiet. */
+    icalerrorstate saved = icalerror_get_error_state (ICAL_MALFORMEDDATA_ERROR);
+    icalerror_set_error_state (ICAL_MALFORMEDDATA_ERROR, ICAL_ERROR_NONFATAL);
+    rule = icalrecurrencetype_from_string (text.c_str ());
+    icalerror_set_error_state (ICAL_MALFORMEDDATA_ERROR, saved);
+    return rule.freq != ICAL_NO_RECURRENCE && icalerrno == ICAL_NO_ERROR;
+}
+
+/* The frame a rule runs in: the entry's own zone when it has one that
+ * libical knows, otherwise local wall-clock time taken as floating time. */
+struct Frame {
+    icaltimezone *zone = nullptr;
+
+    icaltimetype to_ical (int64_t civil) const
+    {
+        if (zone) {
+            return icaltime_from_timet_with_zone (time_t_from_civil (civil), 0, zone);
+        }
+        const CivilFields f = civil_fields (civil);
+        icaltimetype t = icaltime_null_time ();
+        t.year = f.year;
+        t.month = f.month;
+        t.day = f.day;
+        t.hour = f.hour;
+        t.minute = f.minute;
+        t.second = 0;
+        t.is_date = 0;
+        return t;
+    }
+
+    int64_t to_civil (const icaltimetype &t) const
+    {
+        if (zone) {
+            return civil_from_time_t (icaltime_as_timet_with_zone (t, zone));
+        }
+        return civil_minutes (t.year, t.month, t.day, t.is_date ? 0 : t.hour, t.is_date ? 0 : t.minute);
+    }
+};
+
+Frame frame_for (const EntryRecord &entry)
+{
+    Frame frame;
+    if (!entry.tzid.empty ()) {
+        frame.zone = icaltimezone_get_builtin_timezone (entry.tzid.c_str ());
+    }
+    return frame;
+}
+
+/* A floating rule must compare its UNTIL in local time too: an UNTIL given
+ * in UTC is moved into the local wall clock first. */
+void localise_until (icalrecurrencetype &rule, const Frame &frame)
+{
+    if (frame.zone || icaltime_is_null_time (rule.until) || !icaltime_is_utc (rule.until)) {
+        return;
+    }
+    const int64_t civil = civil_from_time_t (icaltime_as_timet (rule.until));
+    const CivilFields f = civil_fields (civil);
+    rule.until.year = f.year;
+    rule.until.month = f.month;
+    rule.until.day = f.day;
+    rule.until.hour = f.hour;
+    rule.until.minute = f.minute;
+    rule.until.second = 0;
+    rule.until.zone = nullptr;
+}
+
+IteratorPtr make_iterator (const std::string &text, const Frame &frame, int64_t dtstart, icalrecurrencetype *out)
+{
+    icalrecurrencetype rule;
+    if (!parse_rule (text, rule)) {
+        return nullptr;
+    }
+    localise_until (rule, frame);
+    if (out) {
+        *out = rule;
+    }
+    return IteratorPtr (icalrecur_iterator_new (rule, frame.to_ical (dtstart)));
+}
+
+bool rule_is_unbounded (const icalrecurrencetype &rule)
+{
+    return rule.count == 0 && icaltime_is_null_time (rule.until);
+}
+
+/* A zone's wall clock is never more than 26 hours from local time. */
+constexpr int64_t kZoneMargin = 26 * 60;
+
+/* Occurrences of one rule (civil minutes), beginning the iteration at
+ * @seek when the rule allows it, skipping those that start before
+ * @skip_before and stopping past @to. Converting an occurrence out of its
+ * zone is the costly step, so occurrences are first placed by their own
+ * wall-clock fields and converted only when they may matter. */
+template <typename Sink>
+void walk_rule (const std::string &text, const EntryRecord &entry, int64_t seek, int64_t skip_before, int64_t to,
+                size_t limit, Sink sink)
+{
+    const Frame frame = frame_for (entry);
+    icalrecurrencetype rule;
+    IteratorPtr it = make_iterator (text, frame, entry.start, &rule);
+    if (!it) {
+        return;
+    }
+    if (seek > entry.start && rule.count == 0) {
+        /* Without COUNT the n-th occurrence does not depend on the ones
+         * before it, so the iterator may begin at the window. */
+        if (!icalrecur_iterator_set_start (it.get (), frame.to_ical (seek))) {
+            it = make_iterator (text, frame, entry.start, nullptr);
+        }
+    }
+    const int64_t margin = frame.zone ? kZoneMargin : 0;
+    const int64_t lower = skip_before == std::numeric_limits<int64_t>::min () ? skip_before : skip_before - margin;
+    const int64_t upper = to == kUnbounded ? to : to + margin;
+    size_t steps = 0;
+    for (icaltimetype t = icalrecur_iterator_next (it.get ()); !icaltime_is_null_time (t);
+         t = icalrecur_iterator_next (it.get ())) {
+        if (++steps > limit * 4 + 1000) {
+            break;
+        }
+        const int64_t wall = civil_minutes (t.year, t.month, t.day, t.is_date ? 0 : t.hour, t.is_date ? 0 : t.minute);
+        if (wall > upper) {
+            break;
+        }
+        if (wall < lower) {
+            continue;
+        }
+        const int64_t civil = frame.zone ? frame.to_civil (t) : wall;
+        if (civil > to) {
+            break;
+        }
+        if (civil < skip_before) {
+            continue;
+        }
+        if (!sink (civil)) {
+            break;
+        }
+    }
+}
+
+std::vector<int64_t> expand (const EntryRecord &entry, int64_t from, int64_t to, size_t limit, bool seek)
+{
+    std::vector<int64_t> result;
+    const int64_t duration = std::max<int64_t> (0, entry.duration ());
+    auto touches = [&] (int64_t s) { return s <= to && s + duration >= from; };
+
+    if (!entry.repeats ()) {
+        if (touches (entry.start)) {
+            result.push_back (entry.start);
+        }
+        return result;
+    }
+
+    const int64_t window_start = from == std::numeric_limits<int64_t>::min () ? from : from - duration;
+    const int64_t seek_to = seek ? window_start : entry.start;
+
+    std::vector<int64_t> excluded (entry.exdates);
+    if (!entry.exrule.empty ()) {
+        walk_rule (entry.exrule, entry, entry.start, window_start, to, kMaxInstances, [&] (int64_t s) {
+            excluded.push_back (s);
+            return true;
+        });
+    }
+    auto is_excluded = [&] (int64_t s) {
+        for (int64_t x : excluded) {
+            /* An exception given as a date removes the occurrence on that day. */
+            if (x == s || (entry.all_day && civil_day_start (x) == civil_day_start (s))) {
+                return true;
+            }
+        }
+        return false;
+    };
+
+    if (!entry.rrule.empty ()) {
+        walk_rule (entry.rrule, entry, seek_to, window_start, to, limit, [&] (int64_t s) {
+            if (touches (s) && !is_excluded (s)) {
+                result.push_back (s);
+            }
+            return result.size () < limit;
+        });
+    } else if (touches (entry.start) && !is_excluded (entry.start)) {
+        result.push_back (entry.start);
+    }
+    for (int64_t r : entry.rdates) {
+        if (touches (r) && !is_excluded (r)) {
+            result.push_back (r);
+        }
+    }
+    std::sort (result.begin (), result.end ());
+    result.erase (std::unique (result.begin (), result.end ()), result.end ());
+    if (result.size () > limit) {
+        result.resize (limit);
+    }
+    return result;
+}
+
+}  // namespace
+
+Status validate_rrule (const std::string &rrule)
+{
+    icalrecurrencetype rule;
+    if (!parse_rule (rrule, rule)) {
+        return Status::failure (CalendarInvalidArg, "the repeat rule \"" + rrule + "\" is not a valid RRULE");
+    }
+    if (rule.interval < 1) {
+        return Status::failure (CalendarInvalidArg, "the repeat rule \"" + rrule + "\" has no valid INTERVAL");
+    }
+    return Status::success ();
+}
+
+std::vector<int64_t> expand_instances (const EntryRecord &entry, int64_t from, int64_t to, size_t limit)
+{
+    return expand (entry, from, to, limit, true);
+}
+
+std::vector<int64_t> expand_instances_stepping (const EntryRecord &entry, int64_t from, int64_t to, size_t limit)
+{
+    return expand (entry, from, to, limit, false);
+}
+
+int64_t last_instance_end (const EntryRecord &entry)
+{
+    const int64_t duration = std::max<int64_t> (0, entry.duration ());
+    int64_t last = entry.start;
+    for (int64_t r : entry.rdates) {
+        last = std::max (last, r);
+    }
+    if (!entry.rrule.empty ()) {
+        icalrecurrencetype rule;
+        if (!parse_rule (entry.rrule, rule)) {
+            return entry.start + duration;
+        }
+        if (rule_is_unbounded (rule)) {
+            return kUnbounded;
+        }
+        walk_rule (entry.rrule, entry, entry.start, std::numeric_limits<int64_t>::min (), kUnbounded, kMaxInstances,
+                   [&] (int64_t s) {
+            last = std::max (last, s);
+            return true;
+        });
+    }
+    return last + duration;
+}
+
+std::string rrule_for_repeat_code (TavCalendarRepeatCode code, int64_t until_day)
+{
+    std::string rule;
+    switch (code) {
+    case TavCalendarRepeatsEveryDay: rule = "FREQ=DAILY"; break;
+    case TavCalendarRepeatsEveryWorkday: rule = "FREQ=WEEKLY;BYDAY=MO,TU,WE,TH,FR"; break;
+    case TavCalendarRepeatsEveryWeek: rule = "FREQ=WEEKLY"; break;
+    case TavCalendarRepeatsEveryMonth: rule = "FREQ=MONTHLY"; break;
+    case TavCalendarRepeatsEveryYear: rule = "FREQ=YEARLY"; break;
+    default: return {};
+    }
+    if (until_day >= 0) {
+        const CivilFields f = civil_fields (until_day);
+        char buf[40];
+        snprintf (buf, sizeof buf, ";UNTIL=%04d%02d%02dT235959", f.year, f.month, f.day);
+        rule += buf;
+    }
+    return rule;
+}
+
+namespace {
+
+int array_length (const short *array, int size)
+{
+    int n = 0;
+    while (n < size && array[n] != ICAL_RECURRENCE_ARRAY_MAX) {
+        ++n;
+    }
+    return n;
+}
+
+}  // namespace
+
+TavCalendarRepeatCode repeat_code_for_rrule (const std::string &text, int64_t start, int64_t *until_day)
+{
+    if (until_day) {
+        *until_day = -1;
+    }
+    icalrecurrencetype rule;
+    if (text.empty ()) {
+        return TavCalendarRepeatsNoRepeat;
+    }
+    if (!parse_rule (text, rule) || rule.interval != 1 || rule.count != 0) {
+        return TavCalendarRepeatsComplex;
+    }
+    if (array_length (rule.by_second, ICAL_BY_SECOND_SIZE) || array_length (rule.by_minute, ICAL_BY_MINUTE_SIZE)
+        || array_length (rule.by_hour, ICAL_BY_HOUR_SIZE) || array_length (rule.by_year_day, ICAL_BY_YEARDAY_SIZE)
+        || array_length (rule.by_week_no, ICAL_BY_WEEKNO_SIZE) || array_length (rule.by_set_pos, ICAL_BY_SETPOS_SIZE)) {
+        return TavCalendarRepeatsComplex;
+    }
+    const CivilFields f = civil_fields (start);
+    const int n_days = array_length (rule.by_day, ICAL_BY_DAY_SIZE);
+    const int n_mdays = array_length (rule.by_month_day, ICAL_BY_MONTHDAY_SIZE);
+    const int n_months = array_length (rule.by_month, ICAL_BY_MONTH_SIZE);
+
+    /* Weekday mask of BYDAY without ordinals (bit 0 = Sunday). */
+    unsigned mask = 0;
+    for (int i = 0; i < n_days; ++i) {
+        if (icalrecurrencetype_day_position (rule.by_day[i]) != 0) {
+            return TavCalendarRepeatsComplex;
+        }
+        mask |= 1u << (static_cast<int> (icalrecurrencetype_day_day_of_week (rule.by_day[i])) - 1);
+    }
+    const unsigned workdays = 0x3e;
+    const unsigned start_day = 1u << civil_weekday (start);
+
+    TavCalendarRepeatCode code = TavCalendarRepeatsComplex;
+    switch (rule.freq) {
+    case ICAL_DAILY_RECURRENCE:
+        if (!n_mdays && !n_months) {
+            code = n_days == 0 ? TavCalendarRepeatsEveryDay
+                   : mask == workdays ? TavCalendarRepeatsEveryWorkday : TavCalendarRepeatsComplex;
+        }
+        break;
+    case ICAL_WEEKLY_RECURRENCE:
+        if (!n_mdays && !n_months) {
+            code = (n_days == 0 || mask == start_day) ? TavCalendarRepeatsEveryWeek
+                   : mask == workdays ? TavCalendarRepeatsEveryWorkday : TavCalendarRepeatsComplex;
+        }
+        break;
+    case ICAL_MONTHLY_RECURRENCE:
+        if (!n_days && !n_months && (n_mdays == 0 || (n_mdays == 1 && rule.by_month_day[0] == f.day))) {
+            code = TavCalendarRepeatsEveryMonth;
+        }
+        break;
+    case ICAL_YEARLY_RECURRENCE:
+        if (!n_days && (n_mdays == 0 || (n_mdays == 1 && rule.by_month_day[0] == f.day))
+            && (n_months == 0 || (n_months == 1 && rule.by_month[0] == f.month))) {
+            code = TavCalendarRepeatsEveryYear;
+        }
+        break;
+    default:
+        break;
+    }
+    if (code != TavCalendarRepeatsComplex && until_day && !icaltime_is_null_time (rule.until)) {
+        icaltimetype u = rule.until;
+        int64_t civil = icaltime_is_utc (u) && !u.is_date ? civil_from_time_t (icaltime_as_timet (u))
+                                                          : civil_minutes (u.year, u.month, u.day);
+        *until_day = civil_day_start (civil);
+    }
+    return code;
+}
+
+}  // namespace tav::host
