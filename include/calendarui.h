@@ -9,5 +9,11 @@
 #include "calendarui/TavHelper.h"
 #include "calendarui/TavCalendarEnums.h"
 #include "calendarui/TavEnumTypes.h"
+#include "calendarui/TavDate.h"
+#include "calendarui/TavCalendarProcessor.h"
+#include "calendarui/TavCalendarEntry.h"
+#include "calendarui/TavCalendarTask.h"
+#include "calendarui/TavCalendarNote.h"
+#include "calendarui/TavCalendarSource.h"
 
 #endif /* CALENDARUI_H */

@@ -1,0 +1,186 @@
+/* The in-memory test source: the views' and editors' tests rely on it, so
+ * its store and its repetition rules are tested like product code. */
+
+#include <calendarui.h>
+
+#include <string>
+
+#include "ModelTestUtil.h"
+#include "TavMemorySource.h"
+#include "TestSupport.h"
+
+using namespace tav::test;
+using tav::adoptGRef;
+using tav::GRefPtr;
+
+namespace {
+
+std::string expand_text (TavCalendarEntry *entry, const TavDateInterval &interval)
+{
+    GList *list = tav_memory_source_expand (entry, &interval);
+    std::string out;
+    for (GList *l = list; l; l = l->next) {
+        const auto *ts = static_cast<const TavTimestamp *> (l->data);
+        out += (out.empty () ? "" : " ") + to_text (ts->date).substr (5);
+    }
+    g_list_free_full (list, [] (gpointer p) { tav_timestamp_free (static_cast<TavTimestamp *> (p)); });
+    return out;
+}
+
+TEST (MemorySource, ExpandsRepeatingEvents)
+{
+    struct Row {
+        const char *label;
+        TavCalendarRepeatCode repeat;
+        TavDate start, end;
+        TavDate until; /* year 0: not set */
+        TavDateInterval interval;
+        const char *expected; /* MM-DD of each occurrence start */
+    } rows[] = {
+        { "single inside", TavCalendarRepeatsNoRepeat, date (2009, 2, 5), date (2009, 2, 5), {}, days (date (2009, 2, 1), date (2009, 2, 31)), "03-05" },
+        { "single outside", TavCalendarRepeatsNoRepeat, date (2009, 2, 5), date (2009, 2, 5), {}, days (date (2009, 3, 1), date (2009, 3, 30)), "" },
+        { "multi-day reaching in", TavCalendarRepeatsNoRepeat, date (2009, 1, 27), date (2009, 2, 2), {}, days (date (2009, 2, 1), date (2009, 2, 31)), "02-27" },
+        { "touching the last day", TavCalendarRepeatsNoRepeat, date (2009, 2, 31), date (2009, 3, 2), {}, days (date (2009, 2, 1), date (2009, 2, 31)), "03-31" },
+        { "daily", TavCalendarRepeatsEveryDay, date (2009, 2, 30), date (2009, 2, 30), {}, days (date (2009, 2, 29), date (2009, 3, 2)), "03-30 03-31 04-01 04-02" },
+        { "daily until", TavCalendarRepeatsEveryDay, date (2009, 2, 30), date (2009, 2, 30), date (2009, 2, 31), days (date (2009, 2, 29), date (2009, 3, 2)), "03-30 03-31" },
+        { "workdays", TavCalendarRepeatsEveryWorkday, date (2009, 2, 5), date (2009, 2, 5), {}, days (date (2009, 2, 5), date (2009, 2, 11)), "03-05 03-06 03-09 03-10 03-11" },
+        { "weekly", TavCalendarRepeatsEveryWeek, date (2009, 2, 5), date (2009, 2, 5), {}, days (date (2009, 2, 1), date (2009, 2, 31)), "03-05 03-12 03-19 03-26" },
+        { "weekly two-day", TavCalendarRepeatsEveryWeek, date (2009, 2, 7), date (2009, 2, 8), {}, days (date (2009, 2, 15), date (2009, 2, 22)), "03-14 03-21" },
+        { "monthly on the 31st", TavCalendarRepeatsEveryMonth, date (2009, 0, 31), date (2009, 0, 31), {}, days (date (2009, 0, 1), date (2009, 5, 30)), "01-31 03-31 05-31" },
+        { "yearly leap day", TavCalendarRepeatsEveryYear, date (2008, 1, 29), date (2008, 1, 29), {}, days (date (2008, 0, 1), date (2012, 11, 31)), "02-29 02-29" },
+        { "yearly until", TavCalendarRepeatsEveryYear, date (2009, 4, 1), date (2009, 4, 1), date (2011, 4, 1), days (date (2009, 0, 1), date (2015, 0, 1)), "05-01 05-01 05-01" },
+        { "complex rule shows the first", TavCalendarRepeatsComplex, date (2009, 2, 5), date (2009, 2, 5), {}, days (date (2009, 2, 1), date (2009, 3, 30)), "03-05" },
+        { "before the start", TavCalendarRepeatsEveryDay, date (2009, 2, 5), date (2009, 2, 5), {}, days (date (2009, 1, 1), date (2009, 2, 4)), "" },
+    };
+    for (const auto &row : rows) {
+        SCOPED_TRACE (row.label);
+        auto entry = adoptGRef (tav_calendar_entry_new ());
+        g_object_set (entry.get (), "start-date", &row.start, "end-date", &row.end, "repeat-code", row.repeat, nullptr);
+        if (row.until.year)
+            g_object_set (entry.get (), "end-repetition-date", &row.until, nullptr);
+        EXPECT_EQ (expand_text (entry.get (), row.interval), row.expected);
+    }
+}
+
+TEST (MemorySource, StoresCountsAndExports)
+{
+    MemorySourcePtr source (tav_memory_source_new ("Home", TavCalendarColorBlue, CalendarSourceTypeLocal));
+    auto *s = TAV_CALENDAR_SOURCE (source.get ());
+    EXPECT_STREQ (tav_calendar_source_get_title (s), "Home");
+    EXPECT_EQ (get_int (s, "color"), TavCalendarColorBlue);
+
+    auto event = adoptGRef (tav_calendar_entry_new ());
+    auto task = adoptGRef (TAV_CALENDAR_TASK (g_object_new (TAV_TYPE_CALENDAR_TASK, "title", "Buy milk", nullptr)));
+    auto note = adoptGRef (tav_calendar_note_new ());
+    g_object_set (event.get (), "title", "Dentist", nullptr);
+    g_object_set (note.get (), "title", "Ideas", nullptr);
+    LogCapture capture; /* the create wrapper logs its result */
+
+    EXPECT_EQ (tav_calendar_source_create_entry (s, event.get ()), CalendarNoError);
+    EXPECT_EQ (tav_calendar_source_create_task (s, task.get ()), CalendarNoError);
+    EXPECT_EQ (tav_calendar_source_create_note (s, note.get ()), CalendarNoError);
+    EXPECT_EQ (tav_calendar_source_create_entry (s, event.get ()), CalendarDuplicateError);
+    EXPECT_EQ (tav_calendar_source_get_event_count (s), 1);
+    EXPECT_EQ (tav_calendar_source_get_entry_count (s), 3);
+    EXPECT_EQ (get_string (event.get (), "num-id"), "mem-1");
+    EXPECT_EQ (tav_memory_source_find (source.get (), "MEM-2"), TAV_CALENDAR_ENTRY (task.get ()));
+
+    GString *out = g_string_new (nullptr);
+    EXPECT_EQ (tav_calendar_source_export_calendar (s, out), CalendarNoError);
+    EXPECT_STREQ (out->str, "Dentist\nBuy milk\nIdeas\n");
+    g_string_free (out, TRUE);
+    EXPECT_EQ (tav_calendar_source_export_calendar (s, nullptr), CalendarInvalidArg);
+
+    /* A copy carrying the same ID replaces the stored object. */
+    auto copy = adoptGRef (tav_calendar_entry_new ());
+    g_object_set (copy.get (), "num-id", "MEM-1", "title", "Dentist 2", nullptr);
+    EXPECT_EQ (tav_calendar_source_save_entry (s, copy.get ()), CalendarNoError);
+    EXPECT_EQ (tav_memory_source_find (source.get (), "mem-1"), copy.get ());
+    auto stranger = adoptGRef (tav_calendar_entry_new ());
+    EXPECT_EQ (tav_calendar_source_save_entry (s, stranger.get ()), CalendarInvalidArg);
+    EXPECT_EQ (tav_calendar_source_delete_entry (s, stranger.get ()), CalendarInvalidArg);
+
+    EXPECT_EQ (tav_calendar_source_delete_task (s, task.get ()), CalendarNoError);
+    EXPECT_EQ (tav_calendar_source_get_entry_count (s), 2);
+    GList *notes = tav_memory_source_list_notes (source.get ());
+    EXPECT_EQ (g_list_length (notes), 1u);
+    g_list_free_full (notes, g_object_unref);
+
+    EXPECT_TRUE (tav_calendar_source_exists_by_name (s));
+    EXPECT_EQ (tav_calendar_source_create (s), CalendarAlreadyExists);
+    EXPECT_EQ (tav_calendar_source_remove_contents (s), CalendarNoError);
+    EXPECT_EQ (tav_calendar_source_get_entry_count (s), 0);
+    EXPECT_EQ (tav_calendar_source_remove (s), CalendarNoError);
+    EXPECT_FALSE (tav_calendar_source_exists_by_name (s));
+    EXPECT_EQ (tav_calendar_source_save (s), CalendarInvalidArg);
+    EXPECT_EQ (tav_calendar_source_create (s), CalendarNoError);
+    EXPECT_EQ (tav_calendar_source_save (s), CalendarNoError);
+
+    EXPECT_EQ (tav_memory_source_calls (source.get (), TAV_MEMORY_SLOT_CREATE_ENTRY), 2u);
+    EXPECT_EQ (tav_memory_source_calls (source.get (), TAV_MEMORY_SLOT_ENTRY_COUNT), 3u);
+    tav_memory_source_reset_calls (source.get ());
+    EXPECT_EQ (tav_memory_source_calls (source.get (), TAV_MEMORY_SLOT_CREATE_ENTRY), 0u);
+}
+
+TEST (MemorySource, FailingSlotsLeaveTheStoreAlone)
+{
+    MemorySourcePtr source (tav_memory_source_new ("Home", TavCalendarColorBlue, CalendarSourceTypeLocal));
+    auto *s = TAV_CALENDAR_SOURCE (source.get ());
+    TavTimestamp start = at (2009, 2, 5, 10, 0);
+    TavCalendarEntry *event = tav_memory_source_add_event (source.get (), "Stays", &start, &start);
+
+    for (int slot = 0; slot < TAV_MEMORY_N_SLOTS; ++slot)
+        tav_memory_source_fail (source.get (), TavMemorySlot (slot), CalendarDiskFullError);
+    EXPECT_EQ (tav_calendar_source_remove_contents (s), CalendarDiskFullError);
+    EXPECT_EQ (tav_calendar_source_delete_entry (s, event), CalendarDiskFullError);
+    EXPECT_EQ (tav_calendar_source_get_event_count (s), -1);
+    EXPECT_FALSE (tav_calendar_source_exists_by_name (s));
+    GList *list = nullptr;
+    TavDateInterval january = days (date (2009, 0, 1), date (2009, 0, 31));
+    EXPECT_FALSE (tav_calendar_source_get_instances (s, event, &january, &list));
+    EXPECT_EQ (list, nullptr);
+    EXPECT_EQ (tav_memory_source_size (source.get ()), 1u);
+    EXPECT_EQ (tav_memory_source_calls (source.get (), TAV_MEMORY_SLOT_DELETE_ENTRY), 1u);
+}
+
+TEST (MemorySource, ListsEventsTouchingAnInterval)
+{
+    MemorySourcePtr source (tav_memory_source_new ("Home", TavCalendarColorBlue, CalendarSourceTypeLocal));
+    TavTimestamp a = at (2009, 2, 5, 10, 0), b = at (2009, 3, 5, 10, 0);
+    tav_memory_source_add_event (source.get (), "March", &a, &a);
+    tav_memory_source_add_event (source.get (), "April", &b, &b);
+    TavCalendarEntry *weekly = tav_memory_source_add_event (source.get (), "Weekly", &a, &a);
+    g_object_set (weekly, "repeat-code", TavCalendarRepeatsEveryWeek, nullptr);
+    auto task = adoptGRef (TAV_CALENDAR_ENTRY (g_object_new (TAV_TYPE_CALENDAR_TASK, nullptr)));
+    tav_memory_source_add (source.get (), task.get ());
+
+    TavDateInterval april = days (date (2009, 3, 1), date (2009, 3, 30));
+    GList *list = tav_memory_source_list_events (source.get (), &april);
+    std::string titles;
+    for (GList *l = list; l; l = l->next)
+        titles += std::string (tav_calendar_entry_get_title (TAV_CALENDAR_ENTRY (l->data))) + ";";
+    g_list_free_full (list, g_object_unref);
+    EXPECT_EQ (titles, "April;Weekly;");
+
+    list = tav_memory_source_list_events (source.get (), nullptr);
+    EXPECT_EQ (g_list_length (list), 3u);
+    g_list_free_full (list, g_object_unref);
+    EXPECT_EQ (tav_memory_source_size (source.get ()), 4u);
+    EXPECT_TRUE (tav_memory_source_remove (source.get (), task.get ()));
+    EXPECT_FALSE (tav_memory_source_remove (source.get (), task.get ()));
+}
+
+TEST (MemorySource, DestroyReleasesSourceAndEntries)
+{
+    TavMemorySource *source = tav_memory_source_new ("Home", TavCalendarColorBlue, CalendarSourceTypeLocal);
+    TavTimestamp a = at (2009, 2, 5, 10, 0);
+    TavCalendarEntry *entry = tav_memory_source_add_event (source, "x", &a, &a);
+    gpointer watch_source = source, watch_entry = entry;
+    g_object_add_weak_pointer (G_OBJECT (source), &watch_source);
+    g_object_add_weak_pointer (G_OBJECT (entry), &watch_entry);
+    tav_memory_source_destroy (source);
+    EXPECT_EQ (watch_entry, nullptr);
+    EXPECT_EQ (watch_source, nullptr);
+}
+
+} // namespace
