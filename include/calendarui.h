@@ -15,5 +15,7 @@
 #include "calendarui/TavCalendarTask.h"
 #include "calendarui/TavCalendarNote.h"
 #include "calendarui/TavCalendarSource.h"
+#include "calendarui/TavCalendarView.h"
+#include "calendarui/TavCalendar.h"
 
 #endif /* CALENDARUI_H */

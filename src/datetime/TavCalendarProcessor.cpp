@@ -471,6 +471,9 @@ void tav_calendar_processor_finalize (GObject *object)
 void tav_calendar_processor_class_init (gpointer klass, gpointer)
 {
     s_parent_class = g_type_class_peek_parent (klass);
+    /* Turns the private size noted at registration into its offset. */
+    if (s_private_offset)
+        g_type_class_adjust_private_offset (klass, &s_private_offset);
     GObjectClass *object_class = G_OBJECT_CLASS (klass);
     object_class->dispose = tav_calendar_processor_dispose;
     object_class->finalize = tav_calendar_processor_finalize;

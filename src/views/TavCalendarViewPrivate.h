@@ -1,0 +1,18 @@
+/* libcalendarui - calendar view base internals shared with the tests
+ */
+#ifndef TAV_CALENDAR_VIEW_PRIVATE_H
+#define TAV_CALENDAR_VIEW_PRIVATE_H
+
+#include "TavCalendarProcessor.h"
+#include "TavDate.h"
+
+/* The day span of an entry's instance: an entry occupying @span (its own
+ * start to end date) has, for an instance starting on @instance_date, the
+ * span moved by the days between the two starts. Computed from the span's
+ * length, so it costs the length of the span and not the distance between
+ * the entry's first occurrence and this one. Returns FALSE when the span
+ * is empty (its end precedes its start): such a span intersects nothing. */
+gboolean tav_calendar_view_instance_span (TavCalendarProcessor *processor, const TavDateInterval *span,
+                                          const TavDate *instance_date, TavDateInterval *result);
+
+#endif /* TAV_CALENDAR_VIEW_PRIVATE_H */
