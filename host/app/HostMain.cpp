@@ -396,7 +396,12 @@ int main (int argc, char **argv)
         }
         if (!r.status.ok ()) {
             if (r.line > 0) {
-                fprintf (stderr, "tav-calendar: %s:%d: %s; nothing was imported\n", *file, r.line, r.status.message.c_str ());
+                std::string message = r.status.message;
+                const std::string prefix = "line " + std::to_string (r.line) + ": ";
+                if (message.compare (0, prefix.size (), prefix) == 0) {
+                    message.erase (0, prefix.size ());
+                }
+                fprintf (stderr, "tav-calendar: %s:%d: %s; nothing was imported\n", *file, r.line, message.c_str ());
             } else {
                 fprintf (stderr, "tav-calendar: %s: %s; nothing was imported\n", *file, r.status.message.c_str ());
             }
