@@ -10,14 +10,27 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace tav::host::test {
 
+/* The shared iCalendar fixtures: TAV_TEST_FIXTURES, or the shared folder
+ * next to the checkout (one level further up for a git worktree). */
 inline std::string fixture_path (const std::string &name)
 {
-    const char *root = g_getenv ("TAV_TEST_FIXTURES");
-    std::string base = root ? root : TAV_SOURCE_ROOT "/../shared/fixtures";
-    return base + "/ics/" + name;
+    std::vector<std::string> roots;
+    if (const char *root = g_getenv ("TAV_TEST_FIXTURES")) {
+        roots.push_back (root);
+    }
+    roots.push_back (TAV_SOURCE_ROOT "/../shared/fixtures");
+    roots.push_back (TAV_SOURCE_ROOT "/../../shared/fixtures");
+    for (const std::string &root : roots) {
+        const std::string path = root + "/ics/" + name;
+        if (g_file_test (path.c_str (), G_FILE_TEST_EXISTS)) {
+            return path;
+        }
+    }
+    return roots.front () + "/ics/" + name;
 }
 
 inline std::string read_file (const std::string &path)
