@@ -50,9 +50,9 @@ CalendarRecord calendar_from_properties (TavCalendarSource *source)
     c.id = id;
     c.title = title ? title : "";
     c.alarm_tone = tone ? tone : "";
-    c.color = static_cast<TavCalendarColor> (color);
-    c.type = static_cast<TavCalendarSourceType> (type);
-    c.sync_type = static_cast<TavCalendarSourceSyncType> (sync);
+    c.color = color;
+    c.type = type;
+    c.sync_type = sync;
     c.visible = visible;
     c.read_only = read_only;
     g_free (title);
@@ -401,7 +401,7 @@ void record_from_entry (TavCalendarEntry *entry, EntryRecord &r)
         r.start = civil_day_start (r.start);
         r.end = std::max (civil_day_start (r.end), r.start) + 1439;
     }
-    r.alarm_code = static_cast<TavCalendarAlarmCode> (alarm);
+    r.alarm_code = alarm;
     r.alarm_time = r.alarm_code == TavCalendarAlarmDayBefore ? alarm_time->hour * 60 + alarm_time->minute : -1;
     r.has_birthday = has_birthday;
     r.birth_year = birth_year;

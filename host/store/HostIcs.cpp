@@ -603,7 +603,7 @@ TavCalendarAlarmCode alarm_code_for_minutes (int64_t minutes_before)
     return best;
 }
 
-int64_t alarm_code_minutes (TavCalendarAlarmCode code)
+int64_t alarm_code_minutes (int code)
 {
     switch (code) {
     case TavCalendarAlarm0Min: return 0;

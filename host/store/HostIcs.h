@@ -48,7 +48,7 @@ Status export_ics_file (Store &store, const std::vector<int64_t> &calendar_ids, 
  * after the start). */
 TavCalendarAlarmCode alarm_code_for_minutes (int64_t minutes_before);
 /* Minutes before the start at which an alarm code fires; -1 for none. */
-int64_t alarm_code_minutes (TavCalendarAlarmCode code);
+int64_t alarm_code_minutes (int code);
 
 }  // namespace tav::host
 

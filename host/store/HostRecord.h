@@ -27,9 +27,11 @@ struct Status {
 struct CalendarRecord {
     int64_t id = 0;
     std::string title;
-    TavCalendarColor color = TavCalendarColorDarkBlue;
-    TavCalendarSourceType type = CalendarSourceTypeLocal;
-    TavCalendarSourceSyncType sync_type = CalendarSourceSyncNone;
+    /* Enumeration values are held as int: a stored or imported value may
+     * lie outside the enumeration and is checked, not trusted. */
+    int color = TavCalendarColorDarkBlue;          /* TavCalendarColor */
+    int type = CalendarSourceTypeLocal;            /* TavCalendarSourceType */
+    int sync_type = CalendarSourceSyncNone;        /* TavCalendarSourceSyncType */
     bool visible = true;
     bool read_only = false;
     std::string alarm_tone;
@@ -54,10 +56,10 @@ struct EntryRecord {
     int64_t end = 0;
     bool all_day = false;
 
-    TavCalendarAlarmCode alarm_code = TavCalendarAlarmNone;
+    int alarm_code = TavCalendarAlarmNone;         /* TavCalendarAlarmCode */
     int alarm_time = -1;        /* minute of the day, for the day-before alarm */
 
-    TavCalendarRepeatCode repeat_code = TavCalendarRepeatsNoRepeat;
+    int repeat_code = TavCalendarRepeatsNoRepeat;  /* TavCalendarRepeatCode */
     std::string rrule;          /* RFC 5545 RRULE value, empty when not repeating */
     std::string exrule;         /* RFC 2445 EXRULE value, kept when imported */
     std::vector<int64_t> exdates;

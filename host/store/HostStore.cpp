@@ -389,9 +389,9 @@ CalendarRecord read_calendar (sqlite3_stmt *stmt)
     CalendarRecord c;
     c.id = sqlite3_column_int64 (stmt, 0);
     c.title = column_text (stmt, 1);
-    c.color = static_cast<TavCalendarColor> (sqlite3_column_int (stmt, 2));
-    c.type = static_cast<TavCalendarSourceType> (sqlite3_column_int (stmt, 3));
-    c.sync_type = static_cast<TavCalendarSourceSyncType> (sqlite3_column_int (stmt, 4));
+    c.color = sqlite3_column_int (stmt, 2);
+    c.type = sqlite3_column_int (stmt, 3);
+    c.sync_type = sqlite3_column_int (stmt, 4);
     c.visible = sqlite3_column_int (stmt, 5) != 0;
     c.read_only = sqlite3_column_int (stmt, 6) != 0;
     c.alarm_tone = column_text (stmt, 7);
@@ -565,9 +565,9 @@ std::vector<EntryRecord> Store::query_entries (sqlite3_stmt *stmt)
         e.start = sqlite3_column_int64 (stmt, 7);
         e.end = sqlite3_column_int64 (stmt, 8);
         e.all_day = sqlite3_column_int (stmt, 9) != 0;
-        e.alarm_code = static_cast<TavCalendarAlarmCode> (sqlite3_column_int (stmt, 10));
+        e.alarm_code = sqlite3_column_int (stmt, 10);
         e.alarm_time = sqlite3_column_int (stmt, 11);
-        e.repeat_code = static_cast<TavCalendarRepeatCode> (sqlite3_column_int (stmt, 12));
+        e.repeat_code = sqlite3_column_int (stmt, 12);
         e.rrule = column_text (stmt, 13);
         e.exdates = split_minutes (reinterpret_cast<const char *> (sqlite3_column_text (stmt, 14)));
         e.done = sqlite3_column_int (stmt, 15) != 0;

@@ -66,8 +66,9 @@ TEST (HostStore, BadEntriesAreRefusedWithTheirCode)
         {"invalid UTF-8 title", [] (EntryRecord &e) { e.title = "A\xff" "B"; }, CalendarInvalidArg},
         {"rrule libical rejects", [] (EntryRecord &e) { e.rrule = "FREQ=SOMETIMES"; }, CalendarInvalidArg},
         {"rrule with bad BYDAY", [] (EntryRecord &e) { e.rrule = "FREQ=WEEKLY;BYDAY=XX"; }, CalendarInvalidArg},
-        {"alarm code out of range", [] (EntryRecord &e) { e.alarm_code = static_cast<TavCalendarAlarmCode> (9); },
+        {"alarm code out of range", [] (EntryRecord &e) { e.alarm_code = 9; },
          CalendarInvalidArg},
+        {"repeat code out of range", [] (EntryRecord &e) { e.repeat_code = -1; }, CalendarInvalidArg},
         {"fine", [] (EntryRecord &) {}, CalendarNoError},
     };
     for (const Row &row : rows) {
