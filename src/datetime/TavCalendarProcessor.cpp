@@ -13,6 +13,7 @@
 #include "TavCalendarProcessor.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <limits>
 #include <new>
@@ -76,6 +77,16 @@ inline int date_cmp (const TavDate &a, const TavDate &b)
     if (a.month != b.month)
         return a.month < b.month ? -1 : 1;
     return a.day < b.day ? -1 : a.day > b.day ? 1 : 0;
+}
+
+/* tav_date_compare's result, without the call. */
+inline int date_difference (const TavDate &a, const TavDate &b)
+{
+    if (a.year != b.year)
+        return a.year - b.year;
+    if (a.month != b.month)
+        return a.month - b.month;
+    return a.day - b.day;
 }
 
 inline bool same_date (const TavDate &a, const TavDate &b)
@@ -181,13 +192,40 @@ inline int position_in_week (const Priv &priv, const TavDate &date)
     return (day_of_week (priv, date) - priv.first_day_of_week + 7) % 7;
 }
 
+/* True when 1 January of @year and of the next year, and so every day of
+ * @year, lie after the reform: weekdays then follow from one day number and
+ * the Gregorian month tables. */
+inline bool year_is_plain_gregorian (const Priv &priv, int year)
+{
+    const Reform *reform = reform_of (priv);
+    return reform && year > reform->last_julian.year && year < 1000000;
+}
+
+inline bool gregorian_leap (int year)
+{
+    return (year % 4 == 0 && year % 100 != 0) || year % 400 == 0;
+}
+
 int week_number (const Priv &priv, const TavDate &date)
 {
     const TavDate jan1 = { date.year, 0, 1 };
     const TavDate next_jan1 = { date.year + 1, 0, 1 };
-    const int p1 = position_in_week (priv, jan1);
-    const int pn = position_in_week (priv, next_jan1);
-    const int pd = position_in_week (priv, date);
+    int p1, pn, pd;
+    if (year_is_plain_gregorian (priv, date.year) && date.month >= 0 && date.month <= 11 && date.day > -1000
+        && date.day < 1000) {
+        /* Same positions as three day numbers would give, from one. */
+        const int w1 = day_of_week (priv, jan1);
+        const int leap = gregorian_leap (date.year);
+        const int wn = (w1 + 365 + leap) % 7;
+        const int wd = ((w1 + kDaysBeforeMonth[leap][date.month] + date.day - 1) % 7 + 7) % 7;
+        p1 = (w1 - priv.first_day_of_week + 7) % 7;
+        pn = (wn - priv.first_day_of_week + 7) % 7;
+        pd = (wd - priv.first_day_of_week + 7) % 7;
+    } else {
+        p1 = position_in_week (priv, jan1);
+        pn = position_in_week (priv, next_jan1);
+        pd = position_in_week (priv, date);
+    }
 
     /* Days before the first week that holds four days of the year belong
      * to the last week of the previous year. */
@@ -246,79 +284,174 @@ void step_back (const Priv &priv, TavDate &date)
 /* Continuous day ordinal of the processor's calendar ----------------------
  *
  * ordinal(d) + 1 == ordinal(step_forward(d)) for every valid date d except
- * the reform's jump_from, whose step lands gap + 1 ordinals later. */
+ * the reform's jump_from, whose step lands gap + 1 ordinals later.
+ *
+ * The general form counts leap years by the calendar's own rule and works
+ * for any year. After the reform year the calendar is the proleptic
+ * Gregorian one, whose day count has a closed form with constant divisors;
+ * that form, shifted to agree with the general one, serves every date the
+ * user interface can show. */
+
+/* Signed count of leap years in [0, year) under @reform's rule. */
+int64_t leap_years_before (const Reform *reform, int64_t year)
+{
+    if (!reform)
+        return 0;
+    auto multiples = [] (int64_t y, int64_t k) { return floor_div (y - 1, k) + 1; };
+    const int64_t julian_end = static_cast<int64_t> (reform->julian_until) + 1;
+    int64_t count;
+    if (year <= julian_end) {
+        count = multiples (year, 4);
+    } else {
+        count = multiples (julian_end, 4) + (multiples (year, 4) - multiples (julian_end, 4))
+                - (multiples (year, 100) - multiples (julian_end, 100))
+                + (multiples (year, 400) - multiples (julian_end, 400));
+    }
+    if (year > 4)
+        count--; /* year 4 */
+    return count;
+}
+
+/* Days in [0, year) when year > 0, minus the days in [year, 0) otherwise. */
+inline int64_t year_start (const Reform *reform, int64_t year)
+{
+    return 365 * year + leap_years_before (reform, year);
+}
+
+int64_t general_ordinal (const Priv &priv, const TavDate &date)
+{
+    return year_start (reform_of (priv), date.year) + kDaysBeforeMonth[is_leap (priv, date.year)][date.month]
+           + date.day - 1;
+}
+
+TavDate general_date (const Priv &priv, int64_t ordinal)
+{
+    const Reform *reform = reform_of (priv);
+    int64_t year;
+    if (!reform)
+        year = floor_div (ordinal, 365);
+    else if (ordinal >= year_start (reform, static_cast<int64_t> (reform->julian_until) + 1))
+        year = floor_div (ordinal * 400, 146097);
+    else
+        year = floor_div (ordinal * 4, 1461);
+    /* The estimates are off by at most a year or two. */
+    while (ordinal < year_start (reform, year))
+        year--;
+    while (ordinal >= year_start (reform, year + 1))
+        year++;
+    const int y = static_cast<int> (year);
+    const int leap = is_leap (priv, y);
+    const int doy = static_cast<int> (ordinal - year_start (reform, year));
+    int month = doy >> 5;
+    while (month < 11 && kDaysBeforeMonth[leap][month + 1] <= doy)
+        month++;
+    return TavDate { y, month, doy - kDaysBeforeMonth[leap][month] + 1 };
+}
+
+/* Proleptic Gregorian days since 1 January 1970 (month 0-11; the day may
+ * lie outside the month). Written for any integer width: the views' years
+ * fit 32-bit arithmetic, which is cheaper, and any other year takes 64 bits. */
+template <typename I>
+inline I gregorian_days_t (I y, int month, I d)
+{
+    const int m = month + 1;
+    y -= m <= 2;
+    const I era = (y >= 0 ? y : y - 399) / 400;
+    const I yoe = y - era * 400;
+    const I doy = (153 * (m > 2 ? m - 3 : m + 9) + 2) / 5 + d - 1;
+    const I doe = yoe * 365 + yoe / 4 - yoe / 100 + doy;
+    return era * 146097 + doe - 719468;
+}
+
+template <typename I>
+inline TavDate gregorian_date_t (I z)
+{
+    z += 719468;
+    const I era = (z >= 0 ? z : z - 146096) / 146097;
+    const I doe = z - era * 146097;
+    const I yoe = (doe - doe / 1460 + doe / 36524 - doe / 146096) / 365;
+    const I doy = doe - (365 * yoe + yoe / 4 - yoe / 100);
+    const I mp = (5 * doy + 2) / 153;
+    const int d = static_cast<int> (doy - (153 * mp + 2) / 5 + 1);
+    const int m = static_cast<int> (mp < 10 ? mp + 3 : mp - 9);
+    return TavDate { static_cast<int> (yoe + era * 400 + (m <= 2)), m - 1, d };
+}
+
+constexpr int64_t kNarrowYears = 1000000;
+
+inline int64_t gregorian_days (int64_t y, int month, int64_t d)
+{
+    if (y > -kNarrowYears && y < kNarrowYears && d > -kNarrowYears && d < kNarrowYears)
+        return gregorian_days_t<int32_t> (static_cast<int32_t> (y), month, static_cast<int32_t> (d));
+    return gregorian_days_t<int64_t> (y, month, d);
+}
+
+inline TavDate gregorian_date (int64_t z)
+{
+    if (z > -300 * kNarrowYears && z < 300 * kNarrowYears)
+        return gregorian_date_t<int32_t> (static_cast<int32_t> (z));
+    return gregorian_date_t<int64_t> (z);
+}
+
+/* What every call needs to know about a reform, worked out once. */
+struct ReformOrdinals {
+    int64_t jump_from;
+    int64_t jump_to;
+    int64_t gregorian_start;  /* ordinal of 1 January after the reform year */
+    int64_t gregorian_offset; /* general ordinal minus gregorian_days there */
+};
+
+const ReformOrdinals &reform_ordinals (int index)
+{
+    static const auto table = [] {
+        std::array<ReformOrdinals, 3> t {};
+        for (int i = 0; i < 3; i++) {
+            Priv priv;
+            priv.calendar_reform = i;
+            const Reform &r = kReforms[i];
+            const TavDate first = { r.julian_until + 1, 0, 1 };
+            t[i].jump_from = general_ordinal (priv, r.jump_from);
+            t[i].jump_to = general_ordinal (priv, r.jump_to);
+            t[i].gregorian_start = general_ordinal (priv, first);
+            t[i].gregorian_offset = t[i].gregorian_start - gregorian_days (first.year, 0, 1);
+        }
+        return t;
+    }();
+    return table[index];
+}
+
 class DayOrdinal {
 public:
-    explicit DayOrdinal (const Priv &priv) : m_priv (priv), m_reform (reform_of (priv))
+    explicit DayOrdinal (const Priv &priv)
+        : m_priv (priv), m_reform (reform_of (priv)),
+          m_consts (m_reform ? &reform_ordinals (priv.calendar_reform) : nullptr)
     {
-        if (m_reform) {
-            m_jump_from = of (m_reform->jump_from);
-            m_jump_to = of (m_reform->jump_to);
-        }
     }
-
-    /* Days in [0, year) when year > 0, minus the days in [year, 0) otherwise. */
-    int64_t year_start (int64_t year) const { return 365 * year + leap_years_before (year); }
 
     int64_t of (const TavDate &date) const
     {
-        return year_start (date.year) + kDaysBeforeMonth[is_leap (m_priv, date.year)][date.month] + date.day - 1;
+        if (m_reform && date.year > m_reform->julian_until)
+            return gregorian_days (date.year, date.month, date.day) + m_consts->gregorian_offset;
+        return general_ordinal (m_priv, date);
     }
 
     TavDate date_of (int64_t ordinal) const
     {
-        int64_t year;
-        if (!m_reform)
-            year = floor_div (ordinal, 365);
-        else if (ordinal >= year_start (static_cast<int64_t> (m_reform->julian_until) + 1))
-            year = floor_div (ordinal * 400, 146097);
-        else
-            year = floor_div (ordinal * 4, 1461);
-        /* The estimates are off by at most a year or two. */
-        while (ordinal < year_start (year))
-            year--;
-        while (ordinal >= year_start (year + 1))
-            year++;
-        const int y = static_cast<int> (year);
-        const int leap = is_leap (m_priv, y);
-        const int doy = static_cast<int> (ordinal - year_start (year));
-        int month = doy >> 5;
-        while (month < 11 && kDaysBeforeMonth[leap][month + 1] <= doy)
-            month++;
-        return TavDate { y, month, doy - kDaysBeforeMonth[leap][month] + 1 };
+        if (m_reform && ordinal >= m_consts->gregorian_start)
+            return gregorian_date (ordinal - m_consts->gregorian_offset);
+        return general_date (m_priv, ordinal);
     }
 
     bool has_gap () const { return m_reform != nullptr; }
-    int64_t jump_from () const { return m_jump_from; }
-    int64_t jump_to () const { return m_jump_to; }
+    int64_t jump_from () const { return m_consts->jump_from; }
+    int64_t jump_to () const { return m_consts->jump_to; }
     /* The number of ordinals a step over the reform skips. */
-    int64_t gap () const { return m_jump_to - m_jump_from - 1; }
+    int64_t gap () const { return m_consts->jump_to - m_consts->jump_from - 1; }
 
 private:
-    /* Signed count of leap years in [0, year). */
-    int64_t leap_years_before (int64_t year) const
-    {
-        if (!m_reform)
-            return 0;
-        auto multiples = [] (int64_t y, int64_t k) { return floor_div (y - 1, k) + 1; };
-        const int64_t julian_end = static_cast<int64_t> (m_reform->julian_until) + 1;
-        int64_t count;
-        if (year <= julian_end) {
-            count = multiples (year, 4);
-        } else {
-            count = multiples (julian_end, 4) + (multiples (year, 4) - multiples (julian_end, 4))
-                    - (multiples (year, 100) - multiples (julian_end, 100))
-                    + (multiples (year, 400) - multiples (julian_end, 400));
-        }
-        if (year > 4)
-            count--; /* year 4 */
-        return count;
-    }
-
     const Priv &m_priv;
     const Reform *m_reform;
-    int64_t m_jump_from = 0;
-    int64_t m_jump_to = 0;
+    const ReformOrdinals *m_consts;
 };
 
 inline bool is_valid_day (const Priv &priv, const TavDate &date)
@@ -352,6 +485,12 @@ void forward_by_days (const Priv &priv, TavDate &date, int64_t ndays)
             return;
         }
     }
+    /* After the reform year no step ever meets the gap again: the plain
+     * Gregorian day count does it all. */
+    if (const Reform *reform = reform_of (priv); reform && date.year > reform->julian_until) {
+        date = gregorian_date (gregorian_days (date.year, date.month, date.day) + ndays);
+        return;
+    }
     DayOrdinal ord (priv);
     int64_t o = ord.of (date);
     int64_t target = o + ndays;
@@ -383,6 +522,13 @@ void back_by_days (const Priv &priv, TavDate &date, int64_t ndays)
         const Reform *reform = reform_of (priv);
         if (!reform || date.year != reform->jump_to.year || date.month != reform->jump_to.month) {
             date.day = static_cast<int> (date.day - ndays);
+            return;
+        }
+    }
+    if (const Reform *reform = reform_of (priv); reform && date.year > reform->julian_until) {
+        const int64_t z = gregorian_days (date.year, date.month, date.day) - ndays;
+        if (z >= gregorian_days (static_cast<int64_t> (reform->julian_until) + 1, 0, 1)) {
+            date = gregorian_date (z);
             return;
         }
     }
@@ -432,6 +578,9 @@ int64_t steps_until (const Priv &priv, TavDate from, const TavDate &to)
         if (!reform || from.year != reform->jump_from.year || from.month != reform->jump_from.month)
             return steps + target.day - from.day;
     }
+    if (const Reform *reform = reform_of (priv); reform && from.year > reform->julian_until)
+        return steps + gregorian_days (target.year, target.month, target.day)
+               - gregorian_days (from.year, from.month, from.day);
     DayOrdinal ord (priv);
     const int64_t o_from = ord.of (from);
     int64_t o_to = ord.of (target);
@@ -728,7 +877,7 @@ void tav_calendar_processor_inc_month_by_count (TavCalendarProcessor *processor,
 int tav_calendar_processor_get_date_interval_in_days (TavCalendarProcessor *processor, TavDate from, TavDate to)
 {
     g_return_val_if_fail (TAV_IS_CALENDAR_PROCESSOR(processor), 0);
-    int order = tav_date_compare (&to, &from);
+    int order = date_difference (to, from);
     if (order <= 0)
         /* Not a day count: an earlier date gives the raw field difference. */
         return order;

@@ -6,6 +6,7 @@
 #include <ctime>
 #include <new>
 
+#include "TavCalendarEntryInternal.h"
 #include "TavCalendarSource.h"
 #include "TavCalendarTask.h"
 #include "TavEnumTypes.h"
@@ -897,3 +898,32 @@ tav_calendar_entry_debug_print (TavCalendarEntry *entry)
     g_print ("   end time    : %02d:%02d\n", priv->end.tm_hour, priv->end.tm_min);
     g_print ("-----------------------------\n");
 }
+
+/* Internal reads ----------------------------------------------------------------- */
+
+namespace tav::model {
+
+EntrySpan entry_span (TavCalendarEntry *entry)
+{
+    EntrySpan span {};
+    tav_tm_to_timestamp (&span.start, &entry->priv->start);
+    tav_tm_to_timestamp (&span.end, &entry->priv->end);
+    return span;
+}
+
+TavCalendarSource *entry_source (TavCalendarEntry *entry)
+{
+    return entry->priv->source.get ();
+}
+
+TavCalendarColor entry_color (TavCalendarEntry *entry)
+{
+    return entry->priv->color;
+}
+
+const char *entry_num_id (TavCalendarEntry *entry)
+{
+    return entry->priv->num_id.get ();
+}
+
+} // namespace tav::model

@@ -301,6 +301,8 @@ tav_calendar_source_create_entry (TavCalendarSource *source, TavCalendarEntry *e
     g_return_val_if_fail (TAV_IS_CALENDAR_SOURCE(source), CalendarDefaultError);
     g_return_val_if_fail (TAV_IS_CALENDAR_ENTRY(entry), CalendarDefaultError);
 
+    /* With the slot empty nothing was stored, so there is nothing to stamp:
+     * the call only reports the missing method. */
     if (!TAV_CALENDAR_SOURCE_GET_CLASS (source)->create_entry)
         return CALL_SLOT (create_entry, int (CalendarDefaultError), entry);
 

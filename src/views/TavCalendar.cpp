@@ -90,6 +90,11 @@ struct _TavCalendarPrivate {
     /* Colours, fonts and theme images; NULL until the first paint. */
     std::unique_ptr<tav::MonthPaintCache> style_cache;
     tav::GRefPtr<GdkPixmap> background;
+    /* The grid is drawn into this client-side image and copied to cells_win:
+     * exposures of an unchanged grid cost one copy, and a changed grid is
+     * rendered without a round trip per shape and glyph. */
+    cairo_surface_t *cells_image = nullptr;
+    gboolean cells_image_stale = TRUE;
 };
 
 G_DEFINE_TYPE_WITH_CODE (TavCalendar, tav_calendar, TAV_TYPE_CALENDAR_VIEW, G_ADD_PRIVATE (TavCalendar))
@@ -123,6 +128,7 @@ calendar_invalidate_cell (TavCalendar *calendar, int row, int col)
     TavCalendarPrivate *priv = calendar->priv;
     g_assert (calendar->priv->cells_win != NULL);
     GdkRectangle rect { col * priv->cell_width, row * priv->cell_height, priv->cell_width, priv->cell_height };
+    priv->cells_image_stale = TRUE;
     gdk_window_invalidate_rect (priv->cells_win, &rect, FALSE);
 }
 
@@ -150,6 +156,7 @@ invalidate_week_row (TavCalendar *calendar, int row)
 static void
 invalidate_all (TavCalendar *calendar)
 {
+    calendar->priv->cells_image_stale = TRUE;
     if (!GTK_WIDGET_REALIZED (GTK_WIDGET (calendar)))
         return;
     gdk_window_invalidate_rect (GTK_WIDGET (calendar)->window, NULL, TRUE);
@@ -384,8 +391,10 @@ tav_calendar_remove_entry (TavCalendarView *view, TavCalendarEntry *entry)
             changed = TRUE;
         }
     }
-    if (changed && GTK_WIDGET_REALIZED (GTK_WIDGET (calendar)))
+    if (changed && GTK_WIDGET_REALIZED (GTK_WIDGET (calendar))) {
+        calendar->priv->cells_image_stale = TRUE;
         gdk_window_invalidate_rect (calendar->priv->cells_win, NULL, FALSE);
+    }
     return changed;
 }
 
@@ -523,7 +532,7 @@ tav_calendar_size_request (GtkWidget *widget, GtkRequisition *requisition)
 static void
 compute_geometry (TavCalendarPrivate *priv, const GtkAllocation *allocation)
 {
-    const int header = CLAMP (allocation->height / 14, 18, 44);
+    const int header = CLAMP (allocation->height / 18, 18, 40);
     const int week = CLAMP (allocation->width / 16, 26, 64);
     priv->cell_width = MAX (1, (allocation->width - week) / NColumns);
     priv->cell_height = MAX (1, (allocation->height - header) / NRows);
@@ -564,6 +573,7 @@ tav_calendar_size_allocate (GtkWidget *widget, GtkAllocation *allocation)
     priv->allocated = TRUE;
     compute_geometry (priv, allocation);
     priv->highlight.rebuild_cache = TRUE;
+    priv->cells_image_stale = TRUE;
     move_windows (calendar);
 }
 
@@ -627,6 +637,10 @@ tav_calendar_unrealize (GtkWidget *widget)
     }
     priv->pressed = FALSE;
     priv->highlight.target = NONE;
+    if (priv->cells_image) {
+        cairo_surface_destroy (priv->cells_image);
+        priv->cells_image = nullptr;
+    }
     GTK_WIDGET_CLASS (tav_calendar_parent_class)->unrealize (widget);
 }
 
@@ -690,6 +704,7 @@ tav_calendar_expose_event (GtkWidget *widget, GdkEventExpose *event)
             priv->style_cache.reset (new tav::MonthPaintCache ());
         tav::month_paint_cache_rebuild (*priv->style_cache, widget);
         priv->highlight.rebuild_cache = FALSE;
+        priv->cells_image_stale = TRUE;
     } else {
         TAV_MESSAGE ("using cache");
     }
@@ -700,8 +715,27 @@ tav_calendar_expose_event (GtkWidget *widget, GdkEventExpose *event)
     gdk_cairo_region (cr, event->region);
     cairo_clip (cr);
     PangoContext *context = gtk_widget_get_pango_context (widget);
-    if (event->window == priv->cells_win)
-        tav::month_paint_cells (cr, context, *priv->style_cache, state, event->area);
+    if (event->window == priv->cells_win) {
+        const int width = NColumns * priv->cell_width, height = NRows * priv->cell_height;
+        if (priv->cells_image && (cairo_image_surface_get_width (priv->cells_image) != width ||
+                                  cairo_image_surface_get_height (priv->cells_image) != height)) {
+            cairo_surface_destroy (priv->cells_image);
+            priv->cells_image = nullptr;
+        }
+        if (!priv->cells_image) {
+            priv->cells_image = cairo_image_surface_create (CAIRO_FORMAT_RGB24, width, height);
+            priv->cells_image_stale = TRUE;
+        }
+        if (priv->cells_image_stale) {
+            cairo_t *image_cr = cairo_create (priv->cells_image);
+            const GdkRectangle whole { 0, 0, width, height };
+            tav::month_paint_cells (image_cr, context, *priv->style_cache, state, whole);
+            cairo_destroy (image_cr);
+            priv->cells_image_stale = FALSE;
+        }
+        cairo_set_source_surface (cr, priv->cells_image, 0, 0);
+        cairo_paint (cr);
+    }
     else if (event->window == priv->week_win)
         tav::month_paint_weeks (cr, context, *priv->style_cache, state);
     else if (event->window == widget->window)
@@ -726,6 +760,8 @@ tav_calendar_finalize (GObject *object)
     TavCalendar *calendar = TAV_CALENDAR (object);
     for (auto &cell : calendar->priv->cells)
         calendar_cell_free (&cell);
+    if (calendar->priv->cells_image)
+        cairo_surface_destroy (calendar->priv->cells_image);
     calendar->priv->~_TavCalendarPrivate ();
     G_OBJECT_CLASS (tav_calendar_parent_class)->finalize (object);
 }

@@ -27,7 +27,6 @@ namespace {
 constexpr MonthRgb kPage { 0.086, 0.110, 0.149 };
 constexpr MonthRgb kHeader { 0.067, 0.086, 0.118 };
 constexpr MonthRgb kCellThis { 0.137, 0.169, 0.220 };
-constexpr MonthRgb kCellWeekend { 0.122, 0.153, 0.200 };
 constexpr MonthRgb kCellOther { 0.102, 0.125, 0.161 };
 constexpr MonthRgb kPressed { 0.184, 0.427, 0.710 };
 constexpr MonthRgb kToday { 1.000, 0.702, 0.000 };
@@ -125,15 +124,16 @@ public:
               double yalign = 0.5)
     {
         pango_layout_set_text (m_layout, text, -1);
-        pango_layout_set_width (m_layout, w > 0 ? (int) (w * PANGO_SCALE) : -1);
         pango_layout_set_ellipsize (m_layout, PANGO_ELLIPSIZE_END);
+        pango_layout_set_width (m_layout, -1);
         int tw = 0, th = 0;
         pango_layout_get_pixel_size (m_layout, &tw, &th);
-        pango_layout_set_width (m_layout, -1);
-        if (tw > w)
-            pango_layout_set_width (m_layout, (int) (w * PANGO_SCALE));
-        else
+        if (tw > w) {
+            pango_layout_set_width (m_layout, (int) (std::max (1.0, w) * PANGO_SCALE));
+            pango_layout_get_pixel_size (m_layout, &tw, &th);
+        } else {
             x += (w - tw) * xalign;
+        }
         cairo_move_to (m_cr, x, y + (h - th) * yalign);
         pango_cairo_show_layout (m_cr, m_layout);
         return std::min<int> (tw, (int) w);
@@ -165,8 +165,8 @@ struct CellMetrics {
         pad = std::max (2.0, std::floor (cell_width / 40.0));
         label_px = std::clamp (cell_height * 0.16, 10.0, 24.0);
         label_h = std::ceil (label_px * 1.4);
-        line_h = std::floor (std::clamp (cell_height / 8.0, 12.0, 22.0));
-        line_px = line_h * 0.68;
+        line_h = std::floor (std::clamp (cell_height / 6.6, 12.0, 24.0));
+        line_px = line_h * 0.66;
         rows = std::max (0, (int) ((cell_height - label_h - pad) / line_h));
     }
 };
@@ -189,11 +189,11 @@ paint_image (cairo_t *cr, ThemeImage &image, double x, double y, int w, int h)
 
 /* A check box with a tick: the cell has tasks due. */
 void
-paint_task_icon (cairo_t *cr, double x, double y, double s)
+paint_task_icon (cairo_t *cr, double x, double y, double s, double alpha)
 {
     cairo_save (cr);
     cairo_set_line_width (cr, std::max (1.2, s / 9));
-    set_rgb (cr, kTaskMark);
+    set_rgb (cr, kTaskMark, alpha);
     rounded_rectangle (cr, x + s * 0.12, y + s * 0.12, s * 0.76, s * 0.76, s * 0.15, s * 0.15);
     cairo_stroke (cr);
     cairo_move_to (cr, x + s * 0.28, y + s * 0.52);
@@ -205,19 +205,19 @@ paint_task_icon (cairo_t *cr, double x, double y, double s)
 
 /* A cake with a candle: someone has a birthday. */
 void
-paint_birthday_icon (cairo_t *cr, double x, double y, double s)
+paint_birthday_icon (cairo_t *cr, double x, double y, double s, double alpha)
 {
     cairo_save (cr);
-    set_rgb (cr, kBirthdayMark);
+    set_rgb (cr, kBirthdayMark, alpha);
     rounded_rectangle (cr, x + s * 0.12, y + s * 0.50, s * 0.76, s * 0.38, s * 0.08, s * 0.08);
     cairo_fill (cr);
-    set_rgb (cr, lighter (kBirthdayMark, 0.55));
+    set_rgb (cr, lighter (kBirthdayMark, 0.55), alpha);
     cairo_rectangle (cr, x + s * 0.12, y + s * 0.58, s * 0.76, s * 0.07);
     cairo_fill (cr);
-    cairo_set_source_rgb (cr, 0.95, 0.95, 0.95);
+    cairo_set_source_rgba (cr, 0.95, 0.95, 0.95, alpha);
     cairo_rectangle (cr, x + s * 0.46, y + s * 0.25, s * 0.08, s * 0.25);
     cairo_fill (cr);
-    set_rgb (cr, kToday);
+    set_rgb (cr, kToday, alpha);
     cairo_arc (cr, x + s * 0.5, y + s * 0.17, s * 0.08, 0, 2 * M_PI);
     cairo_fill (cr);
     cairo_restore (cr);
@@ -257,9 +257,6 @@ paint_cell_background (cairo_t *cr, MonthPaintCache &cache, const MonthPaintStat
         paint_image (cr, image, x, y, w, h);
         return;
     }
-    const bool weekend = cell.month_type == MONTH_TYPE_THIS &&
-                         (((col + 7) % 7 == 5 && false) || false);
-    (void) weekend;
     MonthRgb base = pressed ? kPressed : cell.month_type == MONTH_TYPE_THIS ? kCellThis : kCellOther;
     const double gap = 1.0;
     if (state.use_effects) {
@@ -317,19 +314,18 @@ paint_cell_marks (cairo_t *cr, TextPainter &text, MonthPaintCache &cache, const 
     double cx = x + m.pad;
     const double cy = y + (m.label_h - s) / 2;
     const double alpha = cell.month_type == MONTH_TYPE_THIS ? 1.0 : 0.5;
-    cairo_push_group (cr);
     if (cell.has_tasks) {
         if (cache.todo_icon.original)
             paint_image (cr, cache.todo_icon, cx, cy, (int) s, (int) s);
         else
-            paint_task_icon (cr, cx, cy, s);
+            paint_task_icon (cr, cx, cy, s, alpha);
         cx += s + 1;
     }
     if (cell.has_birthdays) {
         if (cache.birthday_icon.original)
             paint_image (cr, cache.birthday_icon, cx, cy, (int) s, (int) s);
         else
-            paint_birthday_icon (cr, cx, cy, s);
+            paint_birthday_icon (cr, cx, cy, s, alpha);
         cx += s + 1;
     }
     const int hidden = month_cell_hidden_count (&cell, m.rows);
@@ -339,14 +335,12 @@ paint_cell_marks (cairo_t *cr, TextPainter &text, MonthPaintCache &cache, const 
         text.set_font (cache.font.get (), m.label_px * 0.72, true);
         const double tw = text.width_of (more) + s * 0.5;
         const double bh = s * 0.8;
-        cairo_set_source_rgba (cr, 1, 1, 1, 0.16);
+        cairo_set_source_rgba (cr, 1, 1, 1, 0.16 * alpha);
         rounded_rectangle (cr, cx + 1, y + (m.label_h - bh) / 2, tw, bh, bh / 2, bh / 2);
         cairo_fill (cr);
-        cairo_set_source_rgba (cr, 1, 1, 1, 0.85);
+        cairo_set_source_rgba (cr, 1, 1, 1, 0.85 * alpha);
         text.draw (more, cx + 1, y + (m.label_h - bh) / 2, tw, bh, 0.5);
     }
-    cairo_pop_group_to_source (cr);
-    cairo_paint_with_alpha (cr, alpha);
 }
 
 void
@@ -356,7 +350,7 @@ paint_bar (cairo_t *cr, TextPainter &text, MonthPaintCache &cache, const MonthPa
 {
     const double h = m.line_h - 2;
     const double r = std::min (4.0, h / 3);
-    const MonthRgb color = palette_rgb (centry.info.color);
+    const MonthRgb color = palette_rgb (centry.info->color);
     const double alpha = other_month ? 0.55 : 1.0;
     if (state.use_effects) {
         cairo_pattern_t *gradient = cairo_pattern_create_linear (0, y, 0, y + h);
@@ -385,14 +379,14 @@ paint_bar (cairo_t *cr, TextPainter &text, MonthPaintCache &cache, const MonthPa
         return;
     set_rgb (cr, ink, other_month ? 0.75 : 1.0);
     text.set_font (cache.font.get (), m.line_px, true);
-    text.draw (centry.info.title.c_str (), tx0, y + 1, tx1 - tx0, h);
+    text.draw (centry.info->title.c_str (), tx0, y + 1, tx1 - tx0, h);
 }
 
 void
 paint_timed_line (cairo_t *cr, TextPainter &text, MonthPaintCache &cache, const CalendarEntry &centry,
                   bool other_month, const CellMetrics &m, double x, double y, double w)
 {
-    const MonthRgb color = palette_rgb (centry.info.color);
+    const MonthRgb color = palette_rgb (centry.info->color);
     const double alpha = other_month ? 0.5 : 1.0;
     const double dot = std::max (3.0, m.line_h * 0.18);
     set_rgb (cr, color, alpha);
@@ -411,7 +405,7 @@ paint_timed_line (cairo_t *cr, TextPainter &text, MonthPaintCache &cache, const 
         return;
     cairo_set_source_rgba (cr, 0.94, 0.95, 0.97, alpha);
     text.set_font (cache.font.get (), m.line_px, false);
-    text.draw (centry.info.title.c_str (), tx, y, right - tx, m.line_h);
+    text.draw (centry.info->title.c_str (), tx, y, right - tx, m.line_h);
 }
 
 } // namespace
@@ -500,7 +494,7 @@ month_paint_header (cairo_t *cr, PangoContext *context, const MonthPaintCache &c
         cairo_fill (cr);
     }
     TextPainter text (cr, context);
-    text.set_font (cache.emphasized_font.get (), std::clamp (state.header_height * 0.46, 9.0, 20.0), true);
+    text.set_font (cache.emphasized_font.get (), std::clamp (state.header_height * 0.38, 9.0, 18.0), false);
     for (int col = 0; col < NColumns; col++) {
         set_rgb (cr, cache.font_day, 0.85);
         text.draw ((*state.day_names)[col].c_str (), state.week_width + col * state.cell_width, 0,

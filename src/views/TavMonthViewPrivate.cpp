@@ -99,8 +99,9 @@ record_is_wide (const CalendarEntry *centry)
 }
 
 CalendarEntry *
-calendar_entry_new_from_info (TavCalendarEntry *entry, const CalendarEntryInfo &info)
+calendar_entry_new_from_info (TavCalendarEntry *entry, const CalendarEntryInfoPtr &shared)
 {
+    const CalendarEntryInfo &info = *shared;
     CalendarEntry *centry = new CalendarEntry ();
     centry->entry = entry; /* the caller's reference moves into the record */
     centry->start_date.year = info.start_date.year;
@@ -115,18 +116,18 @@ calendar_entry_new_from_info (TavCalendarEntry *entry, const CalendarEntryInfo &
     centry->all_day = info.all_day;
     centry->has_repeat = info.has_repeat;
     centry->multi_days = info.multi_days;
-    centry->info = info;
+    centry->info = shared;
     return centry;
 }
 
 /* Inserts before the first entry that does not sort before @info, as a sorted
  * GList insertion does, so equal entries keep the newest first. */
 void
-buffer_insert_sorted (CalendarCell *cell, TavCalendarEntry *entry, const CalendarEntryInfo &info)
+buffer_insert_sorted (CalendarCell *cell, TavCalendarEntry *entry, const CalendarEntryInfoPtr &info)
 {
-    auto position = std::lower_bound (cell->buffer.begin (), cell->buffer.end (), info,
+    auto position = std::lower_bound (cell->buffer.begin (), cell->buffer.end (), *info,
         [] (const CalendarBufferItem &item, const CalendarEntryInfo &value) {
-            return calendar_entry_info_compare (item.info, value) < 0;
+            return calendar_entry_info_compare (*item.info, value) < 0;
         });
     cell->buffer.insert (position, CalendarBufferItem { entry, info });
 }
@@ -218,7 +219,7 @@ CalendarEntry *
 calendar_entry_new (TavCalendarEntry *entry, TavCalendarProcessor *processor)
 {
     g_assert (TAV_IS_CALENDAR_ENTRY (entry));
-    CalendarEntryInfo info = calendar_entry_info_new (entry, processor);
+    auto info = std::make_shared<const CalendarEntryInfo> (calendar_entry_info_new (entry, processor));
     return calendar_entry_new_from_info (TAV_CALENDAR_ENTRY (g_object_ref (entry)), info);
 }
 
@@ -237,7 +238,7 @@ calendar_entry_compare_inside_day (const CalendarEntry **a, const CalendarEntry 
     const CalendarEntry *ea = *a, *eb = *b;
     if (!ea || !eb)
         return (ea == NULL) - (eb == NULL);
-    return calendar_entry_info_compare (ea->info, eb->info);
+    return calendar_entry_info_compare (*ea->info, *eb->info);
 }
 
 int
@@ -356,7 +357,7 @@ calendar_cell_buffer_empty (const CalendarCell *cell)
 
 void
 calendar_cell_append_calendar_entry_buffer_with_info (CalendarCell *cell, TavCalendarEntry *entry,
-                                                      const CalendarEntryInfo &info)
+                                                      const CalendarEntryInfoPtr &info)
 {
     g_assert (cell != NULL && entry != NULL);
     g_assert (TAV_IS_CALENDAR_ENTRY (entry));
@@ -369,7 +370,8 @@ calendar_cell_append_calendar_entry_buffer (CalendarCell *cell, TavCalendarEntry
 {
     g_assert (cell != NULL && entry != NULL);
     g_assert (TAV_IS_CALENDAR_ENTRY (entry));
-    calendar_cell_append_calendar_entry_buffer_with_info (cell, entry, calendar_entry_info_new (entry, NULL));
+    calendar_cell_append_calendar_entry_buffer_with_info (
+        cell, entry, std::make_shared<const CalendarEntryInfo> (calendar_entry_info_new (entry, NULL)));
 }
 
 void
@@ -536,17 +538,17 @@ calendar_cell_flush_buffer (CalendarCell *cell, TavCalendarProcessor *processor)
     for (size_t i = 0; i < cell->buffer.size (); i++) {
         CalendarBufferItem &item = cell->buffer[i];
         gboolean shown_wide = FALSE;
-        if (item.info.is_task) {
+        if (item.info->is_task) {
             cell->has_tasks = TRUE;
             g_object_unref (item.entry);
             dropped[i] = true;
-        } else if (item.info.has_bday) {
+        } else if (item.info->has_bday) {
             cell->has_birthdays = TRUE;
             g_object_unref (item.entry);
             dropped[i] = true;
         } else if (wide_full && timed_full) {
             /* stays in the buffer */
-        } else if (info_is_wide (item.info)) {
+        } else if (info_is_wide (*item.info)) {
             if (!wide_full) {
                 if (calendar_cell_can_tuck_in (cell, TRUE)) {
                     dropped[i] = show_buffer_item (cell, item);
@@ -579,7 +581,7 @@ calendar_cell_flush_buffer (CalendarCell *cell, TavCalendarProcessor *processor)
     /* Late order check: entries may arrive in several batches, so a hidden
      * timed entry can start before the last timed line shown. */
     auto hidden = std::find_if (cell->buffer.begin (), cell->buffer.end (),
-                                [] (const CalendarBufferItem &item) { return !info_is_wide (item.info); });
+                                [] (const CalendarBufferItem &item) { return !info_is_wide (*item.info); });
     int last = -1;
     for (int i = MAX_ENTRIES - 1; i >= 1; i--) {
         if (cell->entries[i]) {
@@ -781,7 +783,7 @@ calendar_grid_set_month (CalendarCell *cells, TavCalendarProcessor *processor, i
 
 static gboolean
 grid_add_to_day (CalendarCell *cells, TavCalendarProcessor *processor, const TavDate *date,
-                 TavCalendarEntry *entry, const CalendarEntryInfo &info)
+                 TavCalendarEntry *entry, const CalendarEntryInfoPtr &info)
 {
     const int index = calendar_grid_find_date (cells, processor, date);
     if (index < 0) {
@@ -806,9 +808,10 @@ calendar_grid_add_entry_instance (CalendarCell *cells, TavCalendarProcessor *pro
         TAV_WARNING_AS (func, "No notes in the month view.");
         return FALSE;
     }
-    const CalendarEntryInfo info = calendar_entry_info_new (entry, processor);
+    const auto shared = std::make_shared<const CalendarEntryInfo> (calendar_entry_info_new (entry, processor));
+    const CalendarEntryInfo &info = *shared;
     if (info.is_task || !info.multi_days)
-        return grid_add_to_day (cells, processor, &instance_start->date, entry, info);
+        return grid_add_to_day (cells, processor, &instance_start->date, entry, shared);
 
     if (tav_date_compare (&info.start_date, &info.end_date) >= 0) {
         TAV_WARNING_AS (func, "The start_date >= end_date, giving up.");
@@ -822,7 +825,7 @@ calendar_grid_add_entry_instance (CalendarCell *cells, TavCalendarProcessor *pro
     while (tav_date_compare (&running, &info.end_date) <= 0) {
         if (tav_date_compare (&running, &info.end_date) == 0 && last_day_hour < 1)
             break;
-        grid_add_to_day (cells, processor, &day, entry, info);
+        grid_add_to_day (cells, processor, &day, entry, shared);
         tav_calendar_processor_inc_date (processor, &day);
         tav_calendar_processor_inc_date (processor, &running);
     }

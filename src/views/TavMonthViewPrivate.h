@@ -15,6 +15,7 @@
 
 #include <glib-object.h>
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -55,6 +56,9 @@ struct CalendarEntryInfo {
     std::string title_key;  /* collation key of the case-folded title */
 };
 
+/* Shared by every cell an entry's days reach, so buffer moves stay cheap. */
+using CalendarEntryInfoPtr = std::shared_ptr<const CalendarEntryInfo>;
+
 /* One visible line of a cell. */
 struct CalendarEntry {
     TavCalendarEntry *entry; /* one reference */
@@ -73,12 +77,12 @@ struct CalendarEntry {
     int continues_left;
     int span_following;
 
-    CalendarEntryInfo info;
+    CalendarEntryInfoPtr info;
 };
 
 struct CalendarBufferItem {
     TavCalendarEntry *entry; /* one reference */
-    CalendarEntryInfo info;
+    CalendarEntryInfoPtr info;
 };
 
 struct CalendarCell {
@@ -129,7 +133,7 @@ CalendarEntryInfo calendar_entry_info_new (TavCalendarEntry *entry, TavCalendarP
 int calendar_entry_info_compare (const CalendarEntryInfo &a, const CalendarEntryInfo &b);
 /* calendar_cell_append_calendar_entry_buffer with the properties already read. */
 void calendar_cell_append_calendar_entry_buffer_with_info (CalendarCell *cell, TavCalendarEntry *entry,
-                                                           const CalendarEntryInfo &info);
+                                                           const CalendarEntryInfoPtr &info);
 
 /* The grid: 42 cells in row-major order. */
 typedef void (*CalendarCellInvalidateFunc) (int row, int col, gpointer data);

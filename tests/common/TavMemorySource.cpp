@@ -479,36 +479,76 @@ tav_memory_source_expand (TavCalendarEntry *entry, const TavDateInterval *interv
         if (!repeats)
             hi = std::min<gint64> (hi, s);
 
-        for (gint64 d = lo; d <= hi; ++d) {
-            TavDate date = from_julian (static_cast<guint32> (d));
-            bool hit = false;
+        /* Step from one occurrence to the next instead of testing every
+         * day, so a read of many years stays cheap. */
+        std::vector<gint64> hits;
+        auto add_if_in = [&] (GDateYear y, int month0, int day) {
+            if (month0 < 0 || month0 > 11 || day < 1
+                || day > g_date_get_days_in_month (GDateMonth (month0 + 1), y))
+                return;
+            GDate g;
+            g_date_clear (&g, 1);
+            g_date_set_dmy (&g, GDateDay (day), GDateMonth (month0 + 1), y);
+            gint64 j = g_date_get_julian (&g);
+            if (j >= lo && j <= hi)
+                hits.push_back (j);
+        };
+        if (lo <= hi) {
+            GDate lo_d;
+            g_date_clear (&lo_d, 1);
+            g_date_set_julian (&lo_d, guint32 (lo));
+            GDateYear lo_year = g_date_get_year (&lo_d);
+            int lo_month = g_date_get_month (&lo_d) - 1;
             switch (repeat) {
             case TavCalendarRepeatsEveryDay:
-                hit = true;
+                for (gint64 d = lo; d <= hi; ++d)
+                    hits.push_back (d);
                 break;
-            case TavCalendarRepeatsEveryWorkday: {
-                GDate g = to_gdate (date);
-                GDateWeekday w = g_date_get_weekday (&g);
-                hit = w != G_DATE_SATURDAY && w != G_DATE_SUNDAY;
+            case TavCalendarRepeatsEveryWorkday:
+                for (gint64 d = lo; d <= hi; ++d) {
+                    /* Julian day 1 (1 January of year 1) was a Monday. */
+                    int weekday = int ((d - 1) % 7); /* 0 = Monday */
+                    if (weekday < 5)
+                        hits.push_back (d);
+                }
                 break;
-            }
             case TavCalendarRepeatsEveryWeek:
-                hit = (d - s) % 7 == 0;
+                for (gint64 d = s + (lo - s + 6) / 7 * 7; d <= hi; d += 7)
+                    hits.push_back (d);
                 break;
             case TavCalendarRepeatsEveryMonth:
-                hit = date.day == start->day;
+                for (int y = lo_year, m = lo_month;;) {
+                    GDate first;
+                    g_date_clear (&first, 1);
+                    g_date_set_dmy (&first, 1, GDateMonth (m + 1), GDateYear (y));
+                    if (gint64 (g_date_get_julian (&first)) > hi)
+                        break;
+                    add_if_in (GDateYear (y), m, start->day);
+                    if (++m == 12) {
+                        m = 0;
+                        ++y;
+                    }
+                }
                 break;
             case TavCalendarRepeatsEveryYear:
-                hit = date.day == start->day && date.month == start->month;
+                for (GDateYear y = lo_year; y <= 9999; ++y) {
+                    GDate first;
+                    g_date_clear (&first, 1);
+                    g_date_set_dmy (&first, 1, G_DATE_JANUARY, y);
+                    if (gint64 (g_date_get_julian (&first)) > hi)
+                        break;
+                    add_if_in (y, start->month, start->day);
+                }
                 break;
             default:
-                hit = d == s;
+                if (s >= lo && s <= hi)
+                    hits.push_back (s);
                 break;
             }
-            if (hit) {
-                TavTimestamp ts { date, *start_time };
-                out = g_list_prepend (out, tav_timestamp_copy (&ts));
-            }
+        }
+        for (auto it = hits.rbegin (); it != hits.rend (); ++it) {
+            TavTimestamp ts { from_julian (guint32 (*it)), *start_time };
+            out = g_list_prepend (out, tav_timestamp_copy (&ts));
         }
     }
 
@@ -516,7 +556,7 @@ tav_memory_source_expand (TavCalendarEntry *entry, const TavDateInterval *interv
     tav_date_free (end);
     tav_date_free (until);
     tav_time_free (start_time);
-    return g_list_reverse (out);
+    return out;
 }
 
 void

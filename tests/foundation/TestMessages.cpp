@@ -1,0 +1,136 @@
+/* Message lookup: every ID the library uses must reach English text, in the
+ * C locale through the built-in table. */
+
+#include "TestSupport.h"
+
+#include <ctime>
+#include <filesystem>
+#include <fstream>
+#include <regex>
+#include <set>
+#include <sstream>
+
+#include "TavIntl.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+const char *domain_of (const std::string &id)
+{
+    if (id.rfind ("cal_", 0) == 0)
+        return TAV_DOMAIN_CALENDAR;
+    if (id.rfind ("wdgt_", 0) == 0)
+        return TAV_DOMAIN_KIVO_LIBS;
+    if (id.rfind ("ckdg_", 0) == 0)
+        return TAV_DOMAIN_COMMON_STRINGS;
+    return TAV_DOMAIN_DEVWATCH;
+}
+
+/* Every quoted message ID in the library's and host's sources. */
+std::set<std::string> ids_used_in_sources ()
+{
+    const std::regex id_literal ("\"((cal|wdgt|ckdg|cerm)_[a-z0-9_]+)\"");
+    std::set<std::string> ids;
+    for (const char *top : { "src", "host" }) {
+        fs::path root = fs::path (TAV_SOURCE_ROOT) / top;
+        if (!fs::exists (root))
+            continue;
+        for (const auto &entry : fs::recursive_directory_iterator (root)) {
+            auto ext = entry.path ().extension ();
+            if (ext != ".cpp" && ext != ".h" && ext != ".c")
+                continue;
+            std::ifstream in (entry.path ());
+            std::stringstream text;
+            text << in.rdbuf ();
+            std::string s = text.str ();
+            for (std::sregex_iterator it (s.begin (), s.end (), id_literal), end; it != end; ++it)
+                ids.insert ((*it)[1]);
+        }
+    }
+    return ids;
+}
+
+/* Every msgid in our catalogues. */
+std::set<std::pair<std::string, std::string>> ids_in_catalogues ()
+{
+    std::set<std::pair<std::string, std::string>> ids;
+    for (const char *domain : { "calendar", "kivo-libs", "kivo-common-strings", "devwatch" }) {
+        std::ifstream in (fs::path (TAV_SOURCE_ROOT) / "po" / "en" / (std::string (domain) + ".po"));
+        std::string line;
+        while (std::getline (in, line))
+            if (line.rfind ("msgid \"", 0) == 0 && line.size () > 8)
+                ids.insert ({ domain, line.substr (7, line.size () - 8) });
+    }
+    return ids;
+}
+
+} // namespace
+
+TEST (Messages, EveryCatalogueEntryHasABuiltInFallback)
+{
+    auto ids = ids_in_catalogues ();
+    ASSERT_GT (ids.size (), 100u);
+    for (const auto &[domain, id] : ids) {
+        const char *text = tav_intl_fallback (domain.c_str (), id.c_str (), 1);
+        ASSERT_NE (text, nullptr) << domain << ": " << id;
+        EXPECT_STRNE (text, id.c_str ());
+        EXPECT_STREQ (tav_dgettext (domain.c_str (), id.c_str ()), text) << id;
+    }
+}
+
+TEST (Messages, EveryIdUsedInTheCodeResolvesToEnglish)
+{
+    for (const auto &id : ids_used_in_sources ()) {
+        const char *text = tav_dgettext (domain_of (id), id.c_str ());
+        EXPECT_STRNE (text, id.c_str ()) << "message ID without English text: " << id;
+    }
+}
+
+TEST (Messages, UnknownIdComesBackUnchanged)
+{
+    EXPECT_STREQ (tav_dgettext (TAV_DOMAIN_CALENDAR, "cal_no_such_message"), "cal_no_such_message");
+    EXPECT_EQ (tav_intl_fallback (TAV_DOMAIN_KIVO_LIBS, "cal_va_none", 1), nullptr);
+}
+
+TEST (Messages, PluralsChooseTheForm)
+{
+    const char *one = tav_dngettext (TAV_DOMAIN_CALENDAR, "cal_va_calendar_visible", "cal_va_calendars", 1);
+    const char *many = tav_dngettext (TAV_DOMAIN_CALENDAR, "cal_va_calendar_visible", "cal_va_calendars", 3);
+    EXPECT_STRNE (one, many);
+    EXPECT_EQ (std::string (one).find ("cal_"), std::string::npos);
+    EXPECT_EQ (std::string (many).find ("cal_"), std::string::npos);
+}
+
+/* The toolkit's date formats are strftime formats that print readable
+ * English, never the ID itself. */
+TEST (Messages, DateFormatsAreStrftimeFormats)
+{
+    struct tm tm = {};
+    tm.tm_year = 2009 - 1900;
+    tm.tm_mon = 0;
+    tm.tm_mday = 7;
+    tm.tm_wday = 3;
+    tm.tm_hour = 21;
+    tm.tm_min = 5;
+    tm.tm_yday = 6;
+    struct Row {
+        const char *id, *must_contain;
+    } rows[] = {
+        { "wdgt_va_24h_time", "21:05" },
+        { "wdgt_va_12h_time_pm", "9:05" },
+        { "wdgt_va_12h_time_am", "9:05" },
+        { "wdgt_va_date_long", "January" },
+        { "wdgt_va_date", "2009" },
+        { "wdgt_va_date_short", "7" },
+        { "wdgt_va_week", "Wednesday" },
+        { "wdgt_va_week_name_short", "Wed" },
+        { "wdgt_va_week_number", "2" },
+    };
+    for (const auto &row : rows) {
+        char buffer[256] = {};
+        strftime (buffer, 255, TAV_KIVO (row.id), &tm);
+        EXPECT_NE (std::string (buffer).find (row.must_contain), std::string::npos) << row.id << ": " << buffer;
+        EXPECT_EQ (std::string (buffer).find ("wdgt"), std::string::npos) << row.id;
+    }
+}

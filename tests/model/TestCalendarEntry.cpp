@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "ModelTestUtil.h"
+#include "TavCalendarEntryInternal.h"
 #include "TavMemorySource.h"
 #include "TestSupport.h"
 
@@ -442,6 +443,12 @@ TEST (CalendarEntry, EqualityIsByIdWithinSources)
             g_object_set (e.get (), "source", work.get (), nullptr);
         return e;
     };
+    MemorySourcePtr home (tav_memory_source_new ("Home", TavCalendarColorRed, CalendarSourceTypeLocal));
+    auto in_home = [&] (const char *id) {
+        auto e = adoptGRef (TAV_CALENDAR_ENTRY (g_object_new (TAV_TYPE_CALENDAR_ENTRY, "num-id", id, "source",
+                                                              home.get (), nullptr)));
+        return e;
+    };
     auto same = make (TAV_TYPE_CALENDAR_ENTRY, "AB1", true);
     struct Row {
         const char *label;
@@ -456,6 +463,8 @@ TEST (CalendarEntry, EqualityIsByIdWithinSources)
         { "event and task", make (TAV_TYPE_CALENDAR_ENTRY, "AB1", true), make (TAV_TYPE_CALENDAR_TASK, "AB1", true), FALSE },
         { "two tasks", make (TAV_TYPE_CALENDAR_TASK, "t1", true), make (TAV_TYPE_CALENDAR_TASK, "T1", true), TRUE },
         { "no IDs yet", make (TAV_TYPE_CALENDAR_ENTRY, nullptr, true), make (TAV_TYPE_CALENDAR_ENTRY, nullptr, true), FALSE },
+        /* Only the IDs count, not which calendar holds them. */
+        { "same ID in another source", make (TAV_TYPE_CALENDAR_ENTRY, "AB1", true), in_home ("ab1"), TRUE },
     };
     for (const auto &row : rows) {
         SCOPED_TRACE (row.label);
@@ -631,6 +640,42 @@ TEST (CalendarEntry, ObjectsAreFinalizedWhenTheLastReferenceGoes)
         g_object_add_weak_pointer (object, &watch);
         g_object_unref (object);
         EXPECT_EQ (watch, nullptr);
+    }
+}
+
+TEST (CalendarEntry, InternalReadsAgreeWithTheProperties)
+{
+    MemorySourcePtr source (tav_memory_source_new ("Work", TavCalendarColorYellow, CalendarSourceTypeLocal));
+    struct Row {
+        const char *label;
+        TavTimestamp start, end;
+        bool with_source;
+    } rows[] = {
+        { "one hour", at (2009, 2, 5, 9, 5), at (2009, 2, 5, 10, 5), true },
+        { "over midnight", at (2009, 11, 31, 23, 30), at (2010, 0, 1, 0, 30), false },
+        { "first of 1970", at (1970, 0, 1, 0, 0), at (1970, 0, 1, 0, 0), true },
+    };
+    for (const auto &row : rows) {
+        SCOPED_TRACE (row.label);
+        auto entry = adoptGRef (tav_calendar_entry_new ());
+        g_object_set (entry.get (), "start-timestamp", &row.start, "end-date", &row.end.date, "end-time",
+                      &row.end.time, nullptr);
+        if (row.with_source)
+            tav_memory_source_add (source.get (), entry.get ());
+        auto span = tav::model::entry_span (entry.get ());
+        TavTimestamp *start = nullptr;
+        g_object_get (entry.get (), "start-timestamp", &start, nullptr);
+        EXPECT_EQ (to_text (span.start), to_text (*start));
+        tav_timestamp_free (start);
+        EXPECT_EQ (to_text (span.end.date), to_text (get_date (entry.get (), "end-date")));
+        TavTime end_time = get_time (entry.get (), "end-time");
+        EXPECT_EQ (span.end.time.hour * 60 + span.end.time.minute, end_time.hour * 60 + end_time.minute);
+        EXPECT_EQ (tav::model::entry_color (entry.get ()), get_int (entry.get (), "color"));
+        EXPECT_EQ (tav::model::entry_source (entry.get ()) != nullptr, row.with_source);
+        EXPECT_EQ (std::string (tav::model::entry_num_id (entry.get ()) ? tav::model::entry_num_id (entry.get ()) : "(null)"),
+                   get_string (entry.get (), "num-id"));
+        if (row.with_source)
+            tav_memory_source_remove (source.get (), entry.get ());
     }
 }
 

@@ -3,6 +3,7 @@
 
 #include <calendarui.h>
 
+#include <random>
 #include <string>
 
 #include "ModelTestUtil.h"
@@ -60,6 +61,104 @@ TEST (MemorySource, ExpandsRepeatingEvents)
             g_object_set (entry.get (), "end-repetition-date", &row.until, nullptr);
         EXPECT_EQ (expand_text (entry.get (), row.interval), row.expected);
     }
+}
+
+/* The plainest possible statement of the repetition rules: look at every
+ * day that an occurrence could start on and ask whether it does. */
+std::string reference_expansion (const TavDate &start, const TavDate &end, TavCalendarRepeatCode repeat,
+                                 const TavDate *until, const TavDateInterval &interval)
+{
+    auto julian = [] (const TavDate &d) {
+        GDate g;
+        g_date_clear (&g, 1);
+        g_date_set_dmy (&g, GDateDay (d.day), GDateMonth (d.month + 1), GDateYear (d.year));
+        return gint64 (g_date_get_julian (&g));
+    };
+    gint64 s = julian (start), e = julian (end);
+    gint64 duration = std::max<gint64> (0, e - s);
+    gint64 last = G_MAXINT64;
+    if (repeat != TavCalendarRepeatsNoRepeat && repeat != TavCalendarRepeatsComplex && until && julian (*until) > e)
+        last = julian (*until);
+    std::string out;
+    for (gint64 d = julian (interval.start) - duration; d <= julian (interval.end); ++d) {
+        if (d < s || d > last)
+            continue;
+        GDate g;
+        g_date_clear (&g, 1);
+        g_date_set_julian (&g, guint32 (d));
+        int day = g_date_get_day (&g), month = g_date_get_month (&g) - 1;
+        GDateWeekday w = g_date_get_weekday (&g);
+        bool hit;
+        switch (repeat) {
+        case TavCalendarRepeatsEveryDay: hit = true; break;
+        case TavCalendarRepeatsEveryWorkday: hit = w != G_DATE_SATURDAY && w != G_DATE_SUNDAY; break;
+        case TavCalendarRepeatsEveryWeek: hit = (d - s) % 7 == 0; break;
+        case TavCalendarRepeatsEveryMonth: hit = day == start.day; break;
+        case TavCalendarRepeatsEveryYear: hit = day == start.day && month == start.month; break;
+        default: hit = d == s; break;
+        }
+        if (hit) {
+            TavDate date { int (g_date_get_year (&g)), month, day };
+            out += (out.empty () ? "" : " ") + to_text (date).substr (5);
+        }
+    }
+    return out;
+}
+
+TEST (MemorySource, SteppedExpansionMatchesADayByDayScan)
+{
+    std::mt19937 rng (20090305);
+    auto pick = [&] (int lo, int hi) { return std::uniform_int_distribution<int> (lo, hi) (rng); };
+    auto random_date = [&] (int y0, int y1) {
+        GDate g;
+        g_date_clear (&g, 1);
+        g_date_set_dmy (&g, 1, G_DATE_JANUARY, GDateYear (y0));
+        GDate h = g;
+        g_date_set_dmy (&h, 31, G_DATE_DECEMBER, GDateYear (y1));
+        g_date_set_julian (&g, guint32 (pick (int (g_date_get_julian (&g)), int (g_date_get_julian (&h)))));
+        return TavDate { int (g_date_get_year (&g)), g_date_get_month (&g) - 1, g_date_get_day (&g) };
+    };
+    auto shift = [] (TavDate d, int n) {
+        GDate g;
+        g_date_clear (&g, 1);
+        g_date_set_dmy (&g, GDateDay (d.day), GDateMonth (d.month + 1), GDateYear (d.year));
+        if (n >= 0)
+            g_date_add_days (&g, guint (n));
+        else
+            g_date_subtract_days (&g, guint (-n));
+        return TavDate { int (g_date_get_year (&g)), g_date_get_month (&g) - 1, g_date_get_day (&g) };
+    };
+    int compared = 0, nonempty = 0;
+    for (int i = 0; i < 3000; ++i) {
+        TavDate start = random_date (1970, 2030);
+        /* Month ends and leap days are where stepping goes wrong. */
+        if (i % 5 == 0)
+            start.day = g_date_get_days_in_month (GDateMonth (start.month + 1), GDateYear (start.year));
+        if (i % 17 == 0)
+            start = TavDate { 2000 + 4 * pick (0, 7), 1, 29 };
+        TavDate end = shift (start, pick (0, 3) == 0 ? pick (1, 40) : 0);
+        auto repeat = TavCalendarRepeatCode (pick (0, 6));
+        TavDate until = shift (end, pick (0, 2000));
+        bool with_until = pick (0, 1) == 1;
+        /* Mostly intervals near the event, some anywhere. */
+        TavDate a = pick (0, 4) ? shift (start, pick (-60, 2500)) : random_date (1970, 2037);
+        TavDateInterval interval { a, shift (a, pick (0, pick (0, 1) ? 40 : 3000)) };
+
+        auto entry = adoptGRef (tav_calendar_entry_new ());
+        g_object_set (entry.get (), "start-date", &start, "end-date", &end, "repeat-code", repeat, nullptr);
+        if (with_until)
+            g_object_set (entry.get (), "end-repetition-date", &until, nullptr);
+        std::string expected = reference_expansion (start, end, repeat, with_until ? &until : nullptr, interval);
+        ASSERT_EQ (expand_text (entry.get (), interval), expected)
+            << "case " << i << ": start " << to_text (start) << " end " << to_text (end) << " repeat " << repeat
+            << " until " << (with_until ? to_text (until) : "-") << " interval " << to_text (interval.start) << ".."
+            << to_text (interval.end);
+        compared++;
+        nonempty += !expected.empty ();
+    }
+    EXPECT_EQ (compared, 3000);
+    /* The cases must exercise real output, not only empty ranges. */
+    EXPECT_GT (nonempty, 1000);
 }
 
 TEST (MemorySource, StoresCountsAndExports)

@@ -345,8 +345,14 @@ TEST (CellReferences, EveryReferenceIsReturned)
         g_list_free_full (all, g_object_unref);
         for (TavCalendarEntry *entry : entries)
             g_object_unref (entry);
-        for (auto &w : watch)
-            EXPECT_NE (w, nullptr) << "the grid holds its own references";
+        for (size_t i = 0; i < watch.size (); i++) {
+            /* The task and the birthday only set their cell's flags and
+             * leave the buffer when it is flushed. */
+            if (i < 3)
+                EXPECT_NE (watch[i], nullptr) << "the grid holds its own reference of entry " << i;
+            else
+                EXPECT_EQ (watch[i], nullptr) << "flags keep no reference, entry " << i;
+        }
     }
     for (auto &w : watch)
         EXPECT_EQ (w, nullptr) << "released with the grid";

@@ -1,0 +1,395 @@
+/* The month view widget under X: month selection and its limits, real
+ * pointer events for taps and swipes, the activation signals, the entry
+ * lists, and a rendered busy month kept as a PNG in the build directory. */
+#include "TestSupport.h"
+#include "ViewTestSupport.h"
+#include "BusyMonth.h"
+
+
+#include <string>
+#include <vector>
+
+using namespace tav::test;
+
+namespace {
+
+struct Activations {
+    std::vector<std::string> days;   /* "y-m-d" with month 0-based */
+    std::vector<std::string> weeks;  /* "week: start..end" */
+    int year_limit = 0;
+    int reads = 0;
+    int date_notifications = 0;
+};
+
+void
+on_day (TavCalendar *, int year, int month, int day, Activations *a)
+{
+    a->days.push_back (std::to_string (year) + "-" + std::to_string (month) + "-" + std::to_string (day));
+}
+
+void
+on_week (TavCalendar *, int week, TavDateInterval *interval, Activations *a)
+{
+    char text[64];
+    g_snprintf (text, sizeof text, "%d: %d-%d-%d..%d-%d-%d", week, interval->start.year, interval->start.month,
+                interval->start.day, interval->end.year, interval->end.month, interval->end.day);
+    a->weeks.push_back (text);
+}
+
+void on_limit (TavCalendarView *, Activations *a) { a->year_limit++; }
+void on_date (GObject *, GParamSpec *, Activations *a) { a->date_notifications++; }
+
+gboolean
+on_read (TavCalendarView *view, Activations *a)
+{
+    a->reads++;
+    return FALSE;
+}
+
+class MonthWidget : public ::testing::Test {
+protected:
+    void SetUp () override
+    {
+        if (!have_display ())
+            GTEST_SKIP () << "no X display for GTK tests";
+        window = gtk_window_new (GTK_WINDOW_TOPLEVEL);
+        calendar = TAV_CALENDAR (tav_calendar_new ());
+        g_signal_connect (calendar, "day-activated", G_CALLBACK (on_day), &activations);
+        g_signal_connect (calendar, "week-activated", G_CALLBACK (on_week), &activations);
+        g_signal_connect (calendar, "year-limit-reached::0", G_CALLBACK (on_limit), &activations);
+        g_signal_connect (calendar, "database-access-read", G_CALLBACK (on_read), &activations);
+        g_signal_connect (calendar, "notify::date", G_CALLBACK (on_date), &activations);
+        gtk_container_add (GTK_CONTAINER (window), GTK_WIDGET (calendar));
+    }
+    void TearDown () override
+    {
+        if (window)
+            gtk_widget_destroy (window);
+        flush_events ();
+    }
+
+    void show (int width = 800, int height = 600)
+    {
+        gtk_window_set_default_size (GTK_WINDOW (window), width, height);
+        gtk_widget_show_all (window);
+        run_main_loop_until ([this] { return GTK_WIDGET (calendar)->allocation.width > 1; }, 2000);
+        flush_events ();
+        gdk_window_process_all_updates ();
+        flush_events ();
+    }
+
+    /* The grid's and the week column's windows. */
+    GdkWindow *child_window (bool grid)
+    {
+        GList *children = gdk_window_get_children (GTK_WIDGET (calendar)->window);
+        GdkWindow *found = NULL;
+        int best = grid ? -1 : G_MAXINT;
+        for (GList *l = children; l; l = l->next) {
+            int w = 0, h = 0;
+            gdk_drawable_get_size (GDK_DRAWABLE (l->data), &w, &h);
+            if ((grid && w > best) || (!grid && w < best)) {
+                best = w;
+                found = GDK_WINDOW (l->data);
+            }
+        }
+        g_list_free (children);
+        return found;
+    }
+    int cell_width () { int w, h; gdk_drawable_get_size (GDK_DRAWABLE (child_window (true)), &w, &h); return w / 7; }
+    int cell_height () { int w, h; gdk_drawable_get_size (GDK_DRAWABLE (child_window (true)), &w, &h); return h / 6; }
+
+    void press (GdkWindow *win, int x, int y)
+    {
+        ASSERT_TRUE (gdk_test_simulate_button (win, x, y, 1, (GdkModifierType) 0, GDK_BUTTON_PRESS));
+        flush_events ();
+    }
+    void move (GdkWindow *win, int x, int y)
+    {
+        int ox = 0, oy = 0;
+        gdk_window_get_origin (win, &ox, &oy);
+        gdk_display_warp_pointer (gdk_display_get_default (), gdk_screen_get_default (), ox + x, oy + y);
+        flush_events ();
+    }
+    void release (GdkWindow *win, int x, int y)
+    {
+        ASSERT_TRUE (gdk_test_simulate_button (win, x, y, 1, (GdkModifierType) 0, GDK_BUTTON_RELEASE));
+        flush_events ();
+    }
+    /* A press, a drag in steps and a release @dx, @dy away. */
+    void drag (GdkWindow *win, int x, int y, int dx, int dy)
+    {
+        press (win, x, y);
+        for (int step = 1; step <= 4; step++)
+            move (win, x + dx * step / 4, y + dy * step / 4);
+        release (win, x + dx, y + dy);
+    }
+    int shown_month () { int m = 0; g_object_get (calendar, "month", &m, NULL); return m; }
+    int shown_year () { int y = 0; g_object_get (calendar, "year", &y, NULL); return y; }
+
+    GtkWidget *window = nullptr;
+    TavCalendar *calendar = nullptr;
+    Activations activations;
+};
+
+} // namespace
+
+/* Month selection --------------------------------------------------------------- */
+
+TEST_F (MonthWidget, StopsAtTheEndsOfTheSupportedYears)
+{
+    EXPECT_TRUE (tav_calendar_select_month (calendar, 11, 2037));
+    tav_calendar_select_next_month (calendar);
+    EXPECT_EQ (activations.year_limit, 1);
+    EXPECT_EQ (shown_month (), 11);
+    EXPECT_EQ (shown_year (), 2037);
+
+    tav_calendar_select_month (calendar, 0, 1970);
+    tav_calendar_select_prev_month (calendar);
+    EXPECT_EQ (activations.year_limit, 2);
+    EXPECT_EQ (shown_year (), 1970);
+    EXPECT_EQ (shown_month (), 0);
+
+    EXPECT_TRUE (tav_calendar_select_month (calendar, 5, 2040));
+    EXPECT_EQ (activations.year_limit, 3);
+    EXPECT_EQ (shown_year (), 1970);
+}
+
+TEST_F (MonthWidget, GridAlwaysStartsInThePreviousMonth)
+{
+    struct { int month, year, fdow; TavDate first; } cases[] = {
+        { 5, 2009, 1, { 2009, 4, 25 } },  /* 1 June 2009 is a Monday: a whole week of May first */
+        { 5, 2009, 0, { 2009, 4, 31 } },  /* weeks from Sunday: only 31 May */
+        { 2, 2009, 0, { 2009, 1, 22 } },  /* 1 March 2009 is a Sunday */
+        { 0, 1970, 4, { 1969, 11, 25 } }, /* 1 January 1970 is a Thursday */
+    };
+    for (const auto &c : cases) {
+        tav_calendar_set_first_day_of_week (calendar, c.fdow);
+        tav_calendar_select_month (calendar, c.month, c.year);
+        TavDateInterval interval {};
+        tav_calendar_get_interval (calendar, &interval);
+        EXPECT_EQ (tav_date_compare (&interval.start, &c.first), 0)
+            << c.year << "-" << c.month + 1 << " starts " << interval.start.day << "." << interval.start.month + 1;
+        TavDateInterval *presented = NULL;
+        g_object_get (calendar, "presented-interval", &presented, NULL);
+        ASSERT_NE (presented, nullptr);
+        EXPECT_EQ (tav_date_compare (&presented->end, &interval.end), 0);
+        tav_date_interval_free (presented);
+    }
+}
+
+TEST_F (MonthWidget, SameMonthAgainIsIgnoredExceptTheFirstTime)
+{
+    tav_calendar_select_month (calendar, 0, 2008); /* the initial month, but the first selection */
+    EXPECT_EQ (activations.date_notifications, 1);
+    tav_calendar_select_month (calendar, 0, 2008);
+    EXPECT_EQ (activations.date_notifications, 1);
+    tav_calendar_set_first_day_of_week (calendar, 3);
+    EXPECT_EQ (activations.date_notifications, 2) << "a new first weekday rebuilds the grid";
+    EXPECT_EQ (tav_calendar_get_first_day_of_week (calendar), 3);
+}
+
+TEST_F (MonthWidget, ReadsWhenShownAndOnEveryNewMonth)
+{
+    tav_calendar_select_month (calendar, 3, 2009);
+    EXPECT_EQ (activations.reads, 0) << "nothing to show yet";
+    show ();
+    EXPECT_EQ (activations.reads, 1);
+    tav_calendar_select_next_month (calendar);
+    EXPECT_EQ (activations.reads, 2);
+    char *name = NULL;
+    g_object_get (calendar, "month-name", &name, NULL);
+    EXPECT_STREQ (name, "May");
+    g_free (name);
+}
+
+TEST_F (MonthWidget, BadArgumentsAreRefused)
+{
+    LogCapture capture;
+    tav_calendar_set_first_day_of_week (calendar, 7);
+    EXPECT_CRITICAL (capture, "first_day_of_week >= 0 && first_day_of_week <= 6");
+    EXPECT_FALSE (tav_calendar_select_month (NULL, 1, 2009));
+    EXPECT_CRITICAL (capture, "TAV_IS_CALENDAR(calendar)");
+    EXPECT_FALSE (tav_calendar_select_month (calendar, 12, 2009));
+    tav_calendar_get_interval (calendar, NULL);
+    EXPECT_CRITICAL (capture, "interval != NULL");
+    EXPECT_EQ (tav_calendar_get_entries_for_week (calendar, 60), nullptr);
+    EXPECT_TRUE (capture.has_warning ("Week 60 not found."));
+    gboolean prev = FALSE, next = FALSE;
+    TavDate far { 2020, 0, 1 };
+    TavCalendarEntry *entry = tav_calendar_entry_new ();
+    EXPECT_FALSE (tav_calendar_view_get_next_prev_status_for_entry (TAV_CALENDAR_VIEW (calendar), entry, &far, &prev,
+                                                                    &next));
+    EXPECT_TRUE (capture.has_warning ("Out of date range"));
+    g_object_unref (entry);
+}
+
+/* Entries through the view base ------------------------------------------------- */
+
+TEST_F (MonthWidget, EntriesForDayWeekAndMonth)
+{
+    LogCapture capture;
+    MemorySourcePtr source (tav_memory_source_new ("Home", TavCalendarColorGreen, CalendarSourceTypeLocal));
+    tav_calendar_select_month (calendar, 2, 2009);
+    TavTimestamp a_start { { 2009, 2, 10 }, { 9, 0 } }, a_end { { 2009, 2, 10 }, { 10, 0 } };
+    TavTimestamp b_start { { 2009, 2, 10 }, { 11, 0 } }, b_end { { 2009, 2, 12 }, { 10, 0 } };
+    TavCalendarEntry *a = tav_memory_source_add_event (source.get (), "A", &a_start, &a_end);
+    TavCalendarEntry *b = tav_memory_source_add_event (source.get (), "B", &b_start, &b_end);
+    TavCalendarEntry *note = TAV_CALENDAR_ENTRY (tav_calendar_note_new ());
+    TavDate note_day { 2009, 2, 10 };
+    g_object_set (note, "start-date", &note_day, "end-date", &note_day, NULL);
+    read_into (TAV_CALENDAR_VIEW (calendar), source.get ());
+    tav_calendar_view_freeze (TAV_CALENDAR_VIEW (calendar));
+    tav_calendar_view_add_entry (TAV_CALENDAR_VIEW (calendar), note);
+    tav_calendar_view_thaw (TAV_CALENDAR_VIEW (calendar));
+    EXPECT_TRUE (capture.has_warning ("No notes in the month view."));
+
+    auto count = [] (GList *list) {
+        guint n = g_list_length (list);
+        g_list_free_full (list, g_object_unref);
+        return n;
+    };
+    TavDate tenth { 2009, 2, 10 }, eleventh { 2009, 2, 11 };
+    EXPECT_EQ (count (tav_calendar_get_entries_for_day (calendar, &tenth)), 2u);
+    EXPECT_EQ (count (tav_calendar_get_entries_for_day (calendar, &eleventh)), 1u);
+    EXPECT_EQ (count (tav_calendar_get_entries_for_week (calendar, 11)), 2u) << "each entry once";
+    EXPECT_EQ (count (tav_calendar_get_entries_for_active_month (calendar)), 2u);
+
+    gboolean prev = TRUE, next = FALSE;
+    EXPECT_TRUE (tav_calendar_view_get_next_prev_status_for_entry (TAV_CALENDAR_VIEW (calendar), a, &tenth, &prev,
+                                                                   &next));
+    EXPECT_TRUE (prev) << "B's bar is above A on the 10th";
+    EXPECT_TRUE (next) << "B goes on on the 11th";
+
+    EXPECT_TRUE (tav_calendar_view_remove_entry (TAV_CALENDAR_VIEW (calendar), b));
+    EXPECT_EQ (count (tav_calendar_get_entries_for_week (calendar, 11)), 1u);
+    EXPECT_FALSE (tav_calendar_view_remove_entry (TAV_CALENDAR_VIEW (calendar), b));
+    g_object_unref (note);
+}
+
+/* Pointer ------------------------------------------------------------------------ */
+
+TEST_F (MonthWidget, TapsActivateDaysWeeksAndPages)
+{
+    tav_calendar_set_first_day_of_week (calendar, 1);
+    tav_calendar_select_month (calendar, 2, 2009); /* grid from Monday 23 February */
+    show ();
+    GdkWindow *grid = child_window (true), *weeks = child_window (false);
+    const int cw = cell_width (), ch = cell_height ();
+
+    /* Row 2, column 2: Wednesday 11 March. */
+    press (grid, 2 * cw + cw / 2, 2 * ch + ch / 2);
+    release (grid, 2 * cw + cw / 2 + 20, 2 * ch + ch / 2 - 20);
+    ASSERT_EQ (activations.days.size (), 1u);
+    EXPECT_EQ (activations.days[0], "2009-2-11");
+
+    /* The hit test sits 5 pixels low: 3 pixels into row 3 still means row 2. */
+    press (grid, 2 * cw + cw / 2, 3 * ch + 3);
+    release (grid, 2 * cw + cw / 2, 3 * ch + 3);
+    ASSERT_EQ (activations.days.size (), 2u);
+    EXPECT_EQ (activations.days[1], "2009-2-11");
+
+    /* 27 pixels away is no tap. */
+    press (grid, 2 * cw + cw / 2, 2 * ch + ch / 2);
+    release (grid, 2 * cw + cw / 2 + 27, 2 * ch + ch / 2);
+    EXPECT_EQ (activations.days.size (), 2u);
+
+    /* Week number of row 1: week 10, Monday 2 to Sunday 8 March. */
+    press (weeks, 5, ch + ch / 2);
+    release (weeks, 5, ch + ch / 2);
+    ASSERT_EQ (activations.weeks.size (), 1u);
+    EXPECT_EQ (activations.weeks[0], "10: 2009-2-2..2009-2-8");
+
+    /* A greyed day of April pages forward instead of activating. */
+    press (grid, 6 * cw + cw / 2, 5 * ch + ch / 2);
+    release (grid, 6 * cw + cw / 2, 5 * ch + ch / 2);
+    EXPECT_EQ (shown_month (), 3);
+    EXPECT_EQ (activations.days.size (), 2u);
+}
+
+struct SwipeCase {
+    const char *label;
+    int dx, dy;
+    int month_after;
+};
+
+class MonthSwipes : public MonthWidget, public ::testing::WithParamInterface<SwipeCase> {};
+
+TEST_P (MonthSwipes, PageOncePerPress)
+{
+    const SwipeCase &c = GetParam ();
+    tav_calendar_select_month (calendar, 5, 2009);
+    show ();
+    GdkWindow *grid = child_window (true);
+    const int cw = cell_width (), ch = cell_height ();
+    drag (grid, 3 * cw + cw / 2, 3 * ch + ch / 2, c.dx, c.dy);
+    EXPECT_EQ (shown_month (), c.month_after) << c.label;
+    EXPECT_EQ (shown_year (), 2009) << c.label;
+    EXPECT_TRUE (activations.days.empty ()) << c.label << ": a drag activates no day";
+}
+
+INSTANTIATE_TEST_SUITE_P (Pointer, MonthSwipes, ::testing::Values (
+    SwipeCase { "40 pixels left is too short", -40, 0, 5 },
+    SwipeCase { "60 pixels left: next month", -60, 0, 6 },
+    SwipeCase { "160 pixels left: still one month", -160, 0, 6 },
+    SwipeCase { "60 pixels right: previous month", 60, 0, 4 },
+    SwipeCase { "60 pixels up: next month", 10, -60, 6 },
+    SwipeCase { "60 pixels down: previous month", -10, 60, 4 }));
+
+/* Painting ---------------------------------------------------------------------------- */
+
+static void
+save_widget_png (GtkWidget *widget, const std::string &path)
+{
+    /* Rendered off screen, so a widget larger than the X screen is whole. */
+    GdkPixmap *pixmap = gtk_widget_get_snapshot (widget, NULL);
+    ASSERT_NE (pixmap, nullptr);
+    int w = 0, h = 0;
+    gdk_drawable_get_size (GDK_DRAWABLE (pixmap), &w, &h);
+    EXPECT_EQ (w, widget->allocation.width);
+    GdkPixbuf *pixbuf = gdk_pixbuf_get_from_drawable (NULL, GDK_DRAWABLE (pixmap), gdk_drawable_get_colormap (pixmap),
+                                                      0, 0, 0, 0, w, h);
+    g_object_unref (pixmap);
+    ASSERT_NE (pixbuf, nullptr);
+    ASSERT_TRUE (gdk_pixbuf_save (pixbuf, path.c_str (), "png", NULL, NULL));
+    g_object_unref (pixbuf);
+}
+
+struct RenderCase {
+    const char *file;
+    int width, height;
+    int entries;
+    gboolean use_effects;
+};
+
+class MonthRender : public MonthWidget, public ::testing::WithParamInterface<RenderCase> {};
+
+TEST_P (MonthRender, BusyMonthToPng)
+{
+    const RenderCase &c = GetParam ();
+    MemorySourcePtr source (tav_memory_source_new ("Home", TavCalendarColorGreen, CalendarSourceTypeLocal));
+    TavDate today;
+    tav_date_init_today (&today);
+    fill_busy_month (source.get (), today.year, today.month, c.entries, 20090318);
+    connect_reader (TAV_CALENDAR_VIEW (calendar), source.get ());
+    g_object_set (calendar, "use-effects", c.use_effects, NULL);
+    tav_calendar_select_current_month (calendar);
+    show (c.width, c.height);
+    gdk_window_resize (window->window, c.width, c.height);
+    run_main_loop_until ([&] { return GTK_WIDGET (calendar)->allocation.width == c.width; }, 2000);
+    gdk_window_invalidate_rect (GTK_WIDGET (calendar)->window, NULL, TRUE);
+    flush_events ();
+    gdk_window_process_all_updates ();
+    flush_events ();
+
+    GList *month = tav_calendar_get_entries_for_active_month (calendar);
+    EXPECT_GT (g_list_length (month), 20u) << "the month was read";
+    g_list_free_full (month, g_object_unref);
+    const std::string path = std::string (TAV_BUILD_ROOT) + "/" + c.file;
+    save_widget_png (GTK_WIDGET (calendar), path);
+    RecordProperty ("png", path);
+}
+
+INSTANTIATE_TEST_SUITE_P (Paint, MonthRender, ::testing::Values (
+    RenderCase { "month-view-busy-800x600.png", 800, 600, 110, FALSE },
+    RenderCase { "month-view-busy-480x360.png", 480, 360, 110, FALSE },
+    RenderCase { "month-view-busy-1920x1080.png", 1920, 1080, 160, TRUE }));
