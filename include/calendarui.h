@@ -17,5 +17,6 @@
 #include "calendarui/TavCalendarSource.h"
 #include "calendarui/TavCalendarView.h"
 #include "calendarui/TavCalendar.h"
+#include "calendarui/TavWeekView.h"
 
 #endif /* CALENDARUI_H */
