@@ -35,7 +35,9 @@ struct ViewKind {
     const char *name;
     const char *label;
     GtkWidget *(*create) ();
+    bool scrolls;  /* shown inside a scrolled window */
     void (*go_to) (GtkWidget *view, const TavDate &date);
+    void (*step) (GtkWidget *view, int direction);
 };
 
 void month_go_to (GtkWidget *view, const TavDate &date)
@@ -43,8 +45,35 @@ void month_go_to (GtkWidget *view, const TavDate &date)
     tav_calendar_select_month (TAV_CALENDAR (view), date.month, date.year);
 }
 
+void month_step (GtkWidget *view, int direction)
+{
+    if (direction < 0) {
+        tav_calendar_select_prev_month (TAV_CALENDAR (view));
+    } else {
+        tav_calendar_select_next_month (TAV_CALENDAR (view));
+    }
+}
+
+void week_go_to (GtkWidget *view, const TavDate &date)
+{
+    tav_week_view_set_presented_interval_by_date (TAV_WEEK_VIEW (view), &date);
+    /* Open on the working day rather than at midnight. */
+    const TavTime morning = {7, 0};
+    tav_week_view_snap_to_time (TAV_WEEK_VIEW (view), &morning);
+}
+
+void week_step (GtkWidget *view, int direction)
+{
+    if (direction < 0) {
+        tav_week_view_select_prev_week (TAV_WEEK_VIEW (view));
+    } else {
+        tav_week_view_select_next_week (TAV_WEEK_VIEW (view));
+    }
+}
+
 const ViewKind kViews[] = {
-    {"month", "Month", tav_calendar_new, month_go_to},
+    {"month", "Month", tav_calendar_new, false, month_go_to, month_step},
+    {"week", "Week", tav_week_view_new, true, week_go_to, week_step},
 };
 
 const ViewKind *find_view (const std::string &name)
@@ -174,15 +203,33 @@ struct App {
         }
         gtk_widget_set_size_request (window, 800, 480);
         GtkWidget *box = gtk_vbox_new (FALSE, 0);
-        GtkWidget *bar = gtk_hbox_new (TRUE, 0);
+        GtkWidget *bar = gtk_hbox_new (FALSE, 0);
         notebook = gtk_notebook_new ();
         gtk_notebook_set_show_tabs (GTK_NOTEBOOK (notebook), FALSE);
         gtk_notebook_set_show_border (GTK_NOTEBOOK (notebook), FALSE);
+
+        GtkWidget *prev = gtk_button_new_with_label ("\xe2\x97\x80");   /* ◀ */
+        GtkWidget *today = gtk_button_new_with_label ("Today");
+        GtkWidget *next = gtk_button_new_with_label ("\xe2\x96\xb6");   /* ▶ */
+        for (GtkWidget *b : {prev, today, next}) {
+            gtk_widget_set_size_request (b, 80, 48);
+        }
+        g_signal_connect (prev, "clicked", G_CALLBACK (on_prev_clicked_cb), this);
+        g_signal_connect (today, "clicked", G_CALLBACK (on_today_clicked_cb), this);
+        g_signal_connect (next, "clicked", G_CALLBACK (on_next_clicked_cb), this);
+        gtk_box_pack_start (GTK_BOX (bar), prev, FALSE, FALSE, 0);
+
         GSList *group = nullptr;
         for (const ViewKind &kind : kViews) {
             GtkWidget *view = kind.create ();
             g_signal_connect (view, "database-access-read", G_CALLBACK (on_view_database_access_read_cb), this);
-            gtk_notebook_append_page (GTK_NOTEBOOK (notebook), view, nullptr);
+            GtkWidget *page = view;
+            if (kind.scrolls) {
+                page = gtk_scrolled_window_new (nullptr, nullptr);
+                gtk_scrolled_window_set_policy (GTK_SCROLLED_WINDOW (page), GTK_POLICY_NEVER, GTK_POLICY_AUTOMATIC);
+                gtk_container_add (GTK_CONTAINER (page), view);
+            }
+            gtk_notebook_append_page (GTK_NOTEBOOK (notebook), page, nullptr);
             views.push_back (view);
             GtkWidget *button = gtk_radio_button_new_with_label (group, kind.label);
             group = gtk_radio_button_get_group (GTK_RADIO_BUTTON (button));
@@ -192,9 +239,16 @@ struct App {
             gtk_box_pack_start (GTK_BOX (bar), button, TRUE, TRUE, 0);
             switches.push_back (button);
         }
+        gtk_box_pack_start (GTK_BOX (bar), today, FALSE, FALSE, 0);
+        gtk_box_pack_start (GTK_BOX (bar), next, FALSE, FALSE, 0);
         gtk_box_pack_start (GTK_BOX (box), bar, FALSE, FALSE, 0);
         gtk_box_pack_start (GTK_BOX (box), notebook, TRUE, TRUE, 0);
         gtk_container_add (GTK_CONTAINER (window), box);
+    }
+
+    size_t current () const
+    {
+        return static_cast<size_t> (gtk_notebook_get_current_page (GTK_NOTEBOOK (notebook)));
     }
 
     void show_view (size_t index)
@@ -216,10 +270,29 @@ struct App {
             return;
         }
         for (size_t i = 0; i < app->switches.size (); ++i) {
-            if (app->switches[i] == GTK_WIDGET (button)) {
-                gtk_notebook_set_current_page (GTK_NOTEBOOK (app->notebook), static_cast<int> (i));
+            if (app->switches[i] == GTK_WIDGET (button) && app->current () != i) {
+                app->show_view (i);
             }
         }
+    }
+
+    static void on_prev_clicked_cb (GtkButton *, gpointer data)
+    {
+        App *app = static_cast<App *> (data);
+        kViews[app->current ()].step (app->views[app->current ()], -1);
+    }
+
+    static void on_next_clicked_cb (GtkButton *, gpointer data)
+    {
+        App *app = static_cast<App *> (data);
+        kViews[app->current ()].step (app->views[app->current ()], 1);
+    }
+
+    static void on_today_clicked_cb (GtkButton *, gpointer data)
+    {
+        App *app = static_cast<App *> (data);
+        tav_date_init_today (&app->focus);
+        app->show_view (app->current ());
     }
 };
 

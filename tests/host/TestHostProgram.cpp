@@ -69,22 +69,25 @@ TEST (HostProgram, ScreenshotRendersEachViewAt800x480)
     tav::test::TempDir dir;
     ProgramRun demo = run ({"--demo", "--date", "2026-11-23", "--screenshot", dir.file ("demo")});
     ASSERT_EQ (demo.status, 0) << demo.err;
-    EXPECT_TRUE (contains (demo.out, dir.file ("demo") + "/month.png")) << demo.out;
     ProgramRun empty = run ({"--db", dir.file ("empty.db"), "--date", "2026-11-23", "--screenshot", dir.file ("empty")});
     ASSERT_EQ (empty.status, 0) << empty.err;
 
-    GError *err = nullptr;
-    GdkPixbuf *full = gdk_pixbuf_new_from_file (dir.file ("demo/month.png").c_str (), &err);
-    ASSERT_TRUE (full) << err->message;
-    GdkPixbuf *bare = gdk_pixbuf_new_from_file (dir.file ("empty/month.png").c_str (), &err);
-    ASSERT_TRUE (bare) << err->message;
-    EXPECT_EQ (gdk_pixbuf_get_width (full), 800);
-    EXPECT_EQ (gdk_pixbuf_get_height (full), 480);
-    /* The demo month has coloured entries and their texts; an empty month
-     * only the grid. */
-    EXPECT_GT (colour_count (full), colour_count (bare) + 50);
-    g_object_unref (full);
-    g_object_unref (bare);
+    for (const char *view : {"month", "week"}) {
+        SCOPED_TRACE (view);
+        EXPECT_TRUE (contains (demo.out, dir.file ("demo") + "/" + view + ".png")) << demo.out;
+        GError *err = nullptr;
+        GdkPixbuf *full = gdk_pixbuf_new_from_file (dir.file (std::string ("demo/") + view + ".png").c_str (), &err);
+        ASSERT_TRUE (full) << err->message;
+        GdkPixbuf *bare = gdk_pixbuf_new_from_file (dir.file (std::string ("empty/") + view + ".png").c_str (), &err);
+        ASSERT_TRUE (bare) << err->message;
+        EXPECT_EQ (gdk_pixbuf_get_width (full), 800);
+        EXPECT_EQ (gdk_pixbuf_get_height (full), 480);
+        /* The demo store fills the view with coloured entries and their
+         * texts; an empty store leaves only the grid. */
+        EXPECT_GT (colour_count (full), colour_count (bare) + 50);
+        g_object_unref (full);
+        g_object_unref (bare);
+    }
 }
 
 TEST (HostProgram, ImportPrintsCountsAndExportWritesThemBack)
@@ -126,6 +129,7 @@ TEST (HostProgram, BadInputGivesAClearMessageAndStatus)
         {"no such day", {"--db", dir.file ("a.db"), "--date", "2026-02-30", "--screenshot", dir.path ()}, 2, "there is no such day"},
         {"out of range", {"--db", dir.file ("a.db"), "--date", "2040-01-01", "--screenshot", dir.path ()}, 2, "the years 1970 to 2037"},
         {"unknown view", {"--db", dir.file ("a.db"), "--view", "year", "--screenshot", dir.path ()}, 2, "no such view"},
+        {"view not built yet", {"--db", dir.file ("a.db"), "--view", "notes", "--screenshot", dir.path ()}, 2, "not in this build yet"},
         {"db and demo", {"--db", dir.file ("a.db"), "--demo"}, 2, "exclude each other"},
     };
     for (const Row &row : rows) {
