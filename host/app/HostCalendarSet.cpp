@@ -13,10 +13,28 @@ CalendarSet::CalendarSet (std::shared_ptr<Store> store) : m_store (std::move (st
 
 void CalendarSet::reload ()
 {
-    m_sources.clear ();
+    /* Keep the source objects the views already hold and bring their
+     * properties up to date; the store may have been changed by another
+     * process (the WAL journal lets two share it). */
+    std::map<int64_t, Ref<TavHostCalendarSource>> sources;
     for (const CalendarRecord &c : m_store->calendars ()) {
-        m_sources.emplace (c.id, make_source (m_store, c));
+        auto old = m_sources.find (c.id);
+        if (old == m_sources.end ()) {
+            sources.emplace (c.id, make_source (m_store, c));
+            continue;
+        }
+        TavCalendarSource *s = TAV_CALENDAR_SOURCE (old->second.get ());
+        int color = 0;
+        gboolean visible = FALSE, read_only = FALSE;
+        g_object_get (s, "color", &color, "visible", &visible, "read-only", &read_only, nullptr);
+        const char *title = tav_calendar_source_get_title (s);
+        if (color != c.color || visible != c.visible || read_only != c.read_only || !title || c.title != title) {
+            g_object_set (s, "color", c.color, "visible", c.visible, "read-only", c.read_only, "title", c.title.c_str (),
+                          nullptr);
+        }
+        sources.emplace (c.id, old->second);
     }
+    m_sources = std::move (sources);
 }
 
 TavHostCalendarSource *CalendarSet::source (int64_t calendar_id) const
@@ -55,11 +73,13 @@ GList *CalendarSet::read_interval (const TavDateInterval &interval)
     if (from > to) {
         return nullptr;
     }
+    reload ();
     return to_entries (m_store->entries_touching (from, to, true));
 }
 
 GList *CalendarSet::read_kind (EntryKind kind)
 {
+    reload ();
     return to_entries (m_store->entries_of_kind (kind, true));
 }
 

@@ -14,7 +14,9 @@ class CalendarSet {
 public:
     explicit CalendarSet (std::shared_ptr<Store> store);
 
-    /* (Re)creates one source per stored calendar. */
+    /* One source per stored calendar, with the stored properties; done
+     * before every read, so that a calendar changed in the store (by this
+     * program or another) shows as it is now. */
     void reload ();
 
     Store &store () { return *m_store; }

@@ -142,6 +142,7 @@ bool collect_items (const std::vector<Line> &lines, std::vector<Item> &items, st
     std::string zone_text;
     bool in_zone = false;
     int ignored = 0, first_ignored = 0;
+    std::map<std::string, std::pair<int, int>> skipped;  /* kind: count, first line */
     for (const Line &line : lines) {
         if (line.text.empty ()) {
             continue;
@@ -164,6 +165,11 @@ bool collect_items (const std::vector<Line> &lines, std::vector<Item> &items, st
             if (entry_kind && at_entry_level) {
                 items.push_back ({kind, line.number, {}, {}, {}});
                 item = static_cast<int> (items.size ()) - 1;
+            } else if (at_entry_level && kind != "VCALENDAR" && kind != "VTIMEZONE") {
+                auto &s = skipped[kind];
+                if (s.first++ == 0) {
+                    s.second = line.number;
+                }
             } else if (!stack.empty () && stack.back ().item >= 0) {
                 item = stack.back ().item;
                 items[item].child_lines.push_back (&line);
@@ -211,6 +217,10 @@ bool collect_items (const std::vector<Line> &lines, std::vector<Item> &items, st
     if (!stack.empty ()) {
         error = {stack.back ().line, "BEGIN:" + stack.back ().kind + " is never closed"};
         return false;
+    }
+    for (const auto &s : skipped) {
+        warnings.push_back ("line " + std::to_string (s.second.second) + ": " + std::to_string (s.second.first) + " " +
+                            s.first + " component(s) are not calendar entries and were not imported");
     }
     if (ignored) {
         warnings.push_back ("line " + std::to_string (first_ignored) + ": " + std::to_string (ignored) +
