@@ -232,3 +232,26 @@ TEST (HostIcs, AlarmCodesAreTheNearestOffset)
         EXPECT_EQ (alarm_code_for_minutes (row.minutes), row.code) << row.minutes << " minutes";
     }
 }
+
+TEST (HostIcs, ImportOnAFullDiskStoresNothingAndSaysSo)
+{
+    StoreFixture f;
+    EntryRecord mine = f.event ("mine", at (2024, 5, 1, 9), at (2024, 5, 1, 10));
+    ASSERT_TRUE (f.store->add_entry (mine).ok ());
+    std::string ics = kHeader;
+    for (int i = 0; i < 400; ++i) {
+        char buf[256];
+        snprintf (buf, sizeof buf, "BEGIN:VEVENT\r\nUID:bulk-%d\r\nDTSTART:20240601T%02d0000Z\r\nSUMMARY:%s\r\nEND:VEVENT\r\n",
+                  i, i % 24, std::string (150, 'x').c_str ());
+        ics += buf;
+    }
+    ics += kFooter;
+    f.store->set_page_limit (8);
+    ImportResult r = import_ics_text (*f.store, f.calendar, ics);
+    EXPECT_EQ (r.status.code, CalendarDiskFullError) << r.status.message;
+    EXPECT_EQ (r.total (), 0);
+    EXPECT_EQ (f.store->count_entries (f.calendar), 1);
+    f.reopen ();
+    EXPECT_EQ (f.store->count_entries (f.calendar), 1);
+    ASSERT_TRUE (f.store->find_entry (mine.id, nullptr));
+}
