@@ -223,6 +223,11 @@ struct App {
         for (const ViewKind &kind : kViews) {
             GtkWidget *view = kind.create ();
             g_signal_connect (view, "database-access-read", G_CALLBACK (on_view_database_access_read_cb), this);
+            if (TAV_IS_CALENDAR (view)) {
+                /* A tapped day or week of the month opens that week. */
+                g_signal_connect (view, "day-activated", G_CALLBACK (on_month_day_activated_cb), this);
+                g_signal_connect (view, "week-activated", G_CALLBACK (on_month_week_activated_cb), this);
+            }
             GtkWidget *page = view;
             if (kind.scrolls) {
                 page = gtk_scrolled_window_new (nullptr, nullptr);
@@ -273,6 +278,29 @@ struct App {
             if (app->switches[i] == GTK_WIDGET (button) && app->current () != i) {
                 app->show_view (i);
             }
+        }
+    }
+
+    void open_week (const TavDate &date)
+    {
+        const ViewKind *week = find_view ("week");
+        if (!week) {
+            return;
+        }
+        focus = date;
+        show_view (static_cast<size_t> (week - kViews));
+    }
+
+    static void on_month_day_activated_cb (TavCalendar *, int year, int month, int day, gpointer data)
+    {
+        static_cast<App *> (data)->open_week (TavDate {year, month, day});
+    }
+
+    static void on_month_week_activated_cb (TavCalendar *, int week_number, const TavDateInterval *interval,
+                                            gpointer data)
+    {
+        if (interval) {
+            static_cast<App *> (data)->open_week (interval->start);
         }
     }
 
