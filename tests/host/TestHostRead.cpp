@@ -1,9 +1,12 @@
 /* The host's answer to "database-access-read", with the real month view. */
 #include "HostCalendarSet.h"
 #include "HostIcs.h"
+#include "HostWindow.h"
 #include "HostTestUtil.h"
 
 #include <gtk/gtk.h>
+
+#include <functional>
 
 using namespace tav::host;
 using namespace tav::host::test;
@@ -129,4 +132,45 @@ TEST (HostRead, IntervalsOutsideTheShownYearsReadNothing)
     GList *entries = f.set->read_interval (may);
     EXPECT_EQ (g_list_length (entries), 3u);  /* Dentist, Gym, Trip; the hidden one stays out */
     g_list_free_full (entries, g_object_unref);
+}
+
+TEST (HostWindow, TappedDayOrWeekOfTheMonthOpensThatWeek)
+{
+    REQUIRE_DISPLAY ();
+    ReadFixture f;
+    App app;
+    app.calendars = std::make_unique<CalendarSet> (f.store);
+    app.focus = {2024, 4, 1};
+    app.build (true);
+    gtk_widget_show_all (app.window);
+    app.show_view (0);
+    tav::test::flush_events ();
+    ASSERT_TRUE (TAV_IS_CALENDAR (app.views[0]));
+    ASSERT_TRUE (TAV_IS_WEEK_VIEW (app.views[1]));
+
+    struct Row {
+        const char *label;
+        std::function<void ()> tap;
+        TavDate inside;
+    } rows[] = {
+        {"day 15 May", [&] { g_signal_emit_by_name (app.views[0], "day-activated", 2024, 4, 15); }, {2024, 4, 15}},
+        {"week of 27 May",
+         [&] {
+             const TavDateInterval week = {{2024, 4, 27}, {2024, 5, 2}};
+             g_signal_emit_by_name (app.views[0], "week-activated", 22, &week);
+         },
+         {2024, 4, 29}},
+    };
+    for (const Row &row : rows) {
+        app.show_view (0);
+        tav::test::flush_events ();
+        row.tap ();
+        tav::test::flush_events ();
+        EXPECT_EQ (app.current (), 1u) << row.label;
+        TavDateInterval shown;
+        ASSERT_TRUE (tav_calendar_view_get_presented_interval (TAV_CALENDAR_VIEW (app.views[1]), &shown)) << row.label;
+        EXPECT_TRUE (tav_date_interval_contains (&shown, &row.inside)) << row.label;
+        EXPECT_TRUE (gtk_toggle_button_get_active (GTK_TOGGLE_BUTTON (app.switches[1]))) << row.label;
+    }
+    gtk_widget_destroy (app.window);
 }
