@@ -21,7 +21,17 @@ fi
 if [ -n "${DISPLAY:-}" ]; then
   exec "${app[@]}" "$@"
 fi
+# Headless, the views are rendered from a demo store (a realistic month of
+# calendars, events, birthdays, tasks and notes around today) unless a store
+# is named with --db: a fresh machine's own store holds one empty calendar.
+extra=()
+if [ -x "$build_dir/host/tav-calendar" ]; then
+  case " $* " in
+    *" --db"*) ;;
+    *) extra=(--demo) ;;
+  esac
+fi
 mkdir -p screenshots
-xvfb-run -a -s "-screen 0 1280x1024x24 -nolisten tcp" "${app[@]}" --screenshot screenshots "$@"
+xvfb-run -a -s "-screen 0 1280x1024x24 -nolisten tcp" "${app[@]}" --screenshot screenshots "${extra[@]}" "$@"
 echo "Rendered views:"
 ls -1 screenshots/*.png

@@ -1,0 +1,86 @@
+/* The store's plain record types: calendars and their events, tasks and
+ * notes, as C++ values with no GObject in sight.
+ */
+#ifndef TAV_HOST_RECORD_H
+#define TAV_HOST_RECORD_H
+
+#include <calendarui/TavHelper.h>
+#include <calendarui/TavCalendarEnums.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace tav::host {
+
+/* Result of a store operation: a CalendarUiErrorCode and, on failure, a
+ * sentence a person can read. */
+struct Status {
+    CalendarUiErrorCode code = CalendarNoError;
+    std::string message;
+
+    bool ok () const { return code == CalendarNoError; }
+    static Status success () { return {}; }
+    static Status failure (CalendarUiErrorCode c, std::string m) { return {c, std::move (m)}; }
+};
+
+struct CalendarRecord {
+    int64_t id = 0;
+    std::string title;
+    /* Enumeration values are held as int: a stored or imported value may
+     * lie outside the enumeration and is checked, not trusted. */
+    int color = TavCalendarColorDarkBlue;          /* TavCalendarColor */
+    int type = CalendarSourceTypeLocal;            /* TavCalendarSourceType */
+    int sync_type = CalendarSourceSyncNone;        /* TavCalendarSourceSyncType */
+    bool visible = true;
+    bool read_only = false;
+    std::string alarm_tone;
+};
+
+enum class EntryKind { Event = 0, Task = 1, Note = 2 };
+
+/* One event, task or note. Times are civil minutes of local wall-clock time
+ * (see HostCivilTime.h); @end is inclusive: an all-day event on one day has
+ * start = that day 00:00 and end = that day 23:59. */
+struct EntryRecord {
+    int64_t id = 0;             /* 0 until stored */
+    int64_t calendar_id = 0;
+    EntryKind kind = EntryKind::Event;
+    std::string uid;            /* iCalendar UID, unique within its calendar */
+
+    std::string title;
+    std::string description;
+    std::string location;
+
+    int64_t start = 0;
+    int64_t end = 0;
+    bool all_day = false;
+
+    int alarm_code = TavCalendarAlarmNone;         /* TavCalendarAlarmCode */
+    int alarm_time = -1;        /* minute of the day, for the day-before alarm */
+
+    int repeat_code = TavCalendarRepeatsNoRepeat;  /* TavCalendarRepeatCode */
+    std::string rrule;          /* RFC 5545 RRULE value, empty when not repeating */
+    std::string exrule;         /* RFC 2445 EXRULE value, kept when imported */
+    std::vector<int64_t> exdates;
+    std::vector<int64_t> rdates;
+    std::string tzid;           /* zone the recurrence runs in; empty: local */
+
+    bool done = false;          /* tasks */
+    bool has_birthday = false;
+    int birth_year = -1;
+
+    int64_t created = 0;        /* seconds since the epoch */
+    int64_t modified = 0;
+
+    /* iCalendar properties this model has no field for, as folded text,
+     * written back on export so that nothing imported is lost. */
+    std::string extra;
+
+    bool repeats () const { return !rrule.empty () || !rdates.empty (); }
+    int64_t duration () const { return end - start; }
+};
+
+}  // namespace tav::host
+
+#endif

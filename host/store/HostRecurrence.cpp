@@ -1,0 +1,554 @@
+#include "HostRecurrence.h"
+#include "HostCivilTime.h"
+
+#include <libical/ical.h>
+
+#include <algorithm>
+#include <memory>
+#include <unordered_set>
+
+namespace tav::host {
+
+namespace {
+
+struct IteratorDeleter {
+    void operator() (icalrecur_iterator *it) const { icalrecur_iterator_free (it); }
+};
+using IteratorPtr = std::unique_ptr<icalrecur_iterator, IteratorDeleter>;
+
+bool parse_rule (const std::string &text, icalrecurrencetype &rule)
+{
+    icalerror_clear_errno ();
+    /* libical reports a bad rule through icalerrno and may print to stderr
+     * when its error handling is set to abort; keep it quiet. */
+    icalerrorstate saved = icalerror_get_error_state (ICAL_MALFORMEDDATA_ERROR);
+    icalerror_set_error_state (ICAL_MALFORMEDDATA_ERROR, ICAL_ERROR_NONFATAL);
+    rule = icalrecurrencetype_from_string (text.c_str ());
+    icalerror_set_error_state (ICAL_MALFORMEDDATA_ERROR, saved);
+    return rule.freq != ICAL_NO_RECURRENCE && icalerrno == ICAL_NO_ERROR;
+}
+
+/* The frame a rule runs in: the entry's own zone when it has one that
+ * libical knows, otherwise local wall-clock time taken as floating time. */
+struct Frame {
+    icaltimezone *zone = nullptr;
+
+    icaltimetype to_ical (int64_t civil) const
+    {
+        if (zone) {
+            return icaltime_from_timet_with_zone (time_t_from_civil (civil), 0, zone);
+        }
+        const CivilFields f = civil_fields (civil);
+        icaltimetype t = icaltime_null_time ();
+        t.year = f.year;
+        t.month = f.month;
+        t.day = f.day;
+        t.hour = f.hour;
+        t.minute = f.minute;
+        t.second = 0;
+        t.is_date = 0;
+        return t;
+    }
+
+    int64_t to_civil (const icaltimetype &t) const
+    {
+        if (zone) {
+            return civil_from_time_t (icaltime_as_timet_with_zone (t, zone));
+        }
+        return civil_minutes (t.year, t.month, t.day, t.is_date ? 0 : t.hour, t.is_date ? 0 : t.minute);
+    }
+};
+
+Frame frame_for (const EntryRecord &entry)
+{
+    Frame frame;
+    if (!entry.tzid.empty ()) {
+        frame.zone = icaltimezone_get_builtin_timezone (entry.tzid.c_str ());
+    }
+    return frame;
+}
+
+/* A floating rule must compare its UNTIL in local time too: an UNTIL given
+ * in UTC is moved into the local wall clock first. */
+void localise_until (icalrecurrencetype &rule, const Frame &frame)
+{
+    if (frame.zone || icaltime_is_null_time (rule.until) || !icaltime_is_utc (rule.until)) {
+        return;
+    }
+    const int64_t civil = civil_from_time_t (icaltime_as_timet (rule.until));
+    const CivilFields f = civil_fields (civil);
+    rule.until.year = f.year;
+    rule.until.month = f.month;
+    rule.until.day = f.day;
+    rule.until.hour = f.hour;
+    rule.until.minute = f.minute;
+    rule.until.second = 0;
+    rule.until.zone = nullptr;
+}
+
+IteratorPtr make_iterator (const std::string &text, const Frame &frame, int64_t dtstart, icalrecurrencetype *out)
+{
+    icalrecurrencetype rule;
+    if (!parse_rule (text, rule)) {
+        return nullptr;
+    }
+    localise_until (rule, frame);
+    if (out) {
+        *out = rule;
+    }
+    return IteratorPtr (icalrecur_iterator_new (rule, frame.to_ical (dtstart)));
+}
+
+bool rule_is_unbounded (const icalrecurrencetype &rule)
+{
+    return rule.count == 0 && icaltime_is_null_time (rule.until);
+}
+
+/* Rules simple enough to count out without libical: a frequency of days,
+ * weeks (optionally on a set of weekdays), months or years, an INTERVAL, and
+ * COUNT or UNTIL, in local wall-clock time. They are most of what people
+ * enter, and building a libical iterator costs far more than the
+ * arithmetic; the results are the same (checked against libical in the
+ * tests). */
+struct SimpleRule {
+    icalrecurrencetype_frequency freq;
+    int64_t interval;
+    int64_t count;      /* 0: no COUNT */
+    int64_t until;      /* kUnbounded: no UNTIL */
+    unsigned mask;      /* weekly: weekday bits, bit 0 = Sunday; 0: none */
+    int week_start;     /* 0 = Sunday */
+};
+
+int64_t month_length (int64_t year, int month)
+{
+    static const int lengths[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+    const bool leap = (year % 4 == 0 && year % 100 != 0) || year % 400 == 0;
+    return month == 2 && leap ? 29 : lengths[month - 1];
+}
+
+bool simple_rule (const icalrecurrencetype &r, int64_t start, SimpleRule &out)
+{
+    if (r.freq != ICAL_DAILY_RECURRENCE && r.freq != ICAL_WEEKLY_RECURRENCE && r.freq != ICAL_MONTHLY_RECURRENCE
+        && r.freq != ICAL_YEARLY_RECURRENCE) {
+        return false;
+    }
+    if (r.interval < 1 || r.by_second[0] != ICAL_RECURRENCE_ARRAY_MAX || r.by_minute[0] != ICAL_RECURRENCE_ARRAY_MAX
+        || r.by_hour[0] != ICAL_RECURRENCE_ARRAY_MAX || r.by_month_day[0] != ICAL_RECURRENCE_ARRAY_MAX
+        || r.by_year_day[0] != ICAL_RECURRENCE_ARRAY_MAX || r.by_week_no[0] != ICAL_RECURRENCE_ARRAY_MAX
+        || r.by_month[0] != ICAL_RECURRENCE_ARRAY_MAX || r.by_set_pos[0] != ICAL_RECURRENCE_ARRAY_MAX) {
+        return false;
+    }
+    out.freq = r.freq;
+    out.interval = r.interval;
+    out.count = r.count;
+    out.until = kUnbounded;
+    out.mask = 0;
+    out.week_start = r.week_start == ICAL_NO_WEEKDAY ? 1 : static_cast<int> (r.week_start) - 1;
+    if (!icaltime_is_null_time (r.until)) {
+        if (r.until.is_date || r.until.zone) {
+            return false;
+        }
+        out.until = civil_minutes (r.until.year, r.until.month, r.until.day, r.until.hour, r.until.minute);
+    }
+    for (int i = 0; i < ICAL_BY_DAY_SIZE && r.by_day[i] != ICAL_RECURRENCE_ARRAY_MAX; ++i) {
+        if (r.freq != ICAL_WEEKLY_RECURRENCE || icalrecurrencetype_day_position (r.by_day[i]) != 0) {
+            return false;
+        }
+        out.mask |= 1u << (static_cast<int> (icalrecurrencetype_day_day_of_week (r.by_day[i])) - 1);
+    }
+    /* A start off the weekdays is left to libical, and so are weeks that
+     * do not begin on Monday in rules that skip weeks: libical 3.0 aligns
+     * those differently from RFC 5545 (it drops the first week), and the
+     * calendar must show what libical computes everywhere else. */
+    if (out.mask && !(out.mask & (1u << civil_weekday (start)))) {
+        return false;
+    }
+    if (out.mask && out.interval > 1 && out.week_start != 1) {
+        return false;
+    }
+    return true;
+}
+
+/* Occurrences from @lower to @to (civil minutes), in order, to @sink. */
+template <typename Sink>
+void walk_simple (const SimpleRule &rule, int64_t start, int64_t lower, int64_t to, size_t limit, Sink sink)
+{
+    const int64_t day0 = floor_div (start, kMinutesPerDay);
+    const int64_t tod = start - day0 * kMinutesPerDay;
+    const int64_t last = std::min (to, rule.until);
+    int64_t index = 0;  /* occurrence number, for COUNT */
+    size_t emitted = 0;
+    auto offer = [&] (int64_t s) {
+        /* false: stop */
+        if (s > last || (rule.count && index >= rule.count)) {
+            return false;
+        }
+        ++index;
+        if (s >= lower) {
+            if (!sink (s) || ++emitted >= limit) {
+                return false;
+            }
+        }
+        return true;
+    };
+
+    if (rule.freq == ICAL_DAILY_RECURRENCE || (rule.freq == ICAL_WEEKLY_RECURRENCE && !rule.mask)) {
+        const int64_t step = (rule.freq == ICAL_DAILY_RECURRENCE ? 1 : 7) * rule.interval * kMinutesPerDay;
+        int64_t k = 0;
+        if (lower > start) {
+            k = (lower - start) / step;
+        }
+        if (rule.count && k >= rule.count) {
+            return;
+        }
+        index = k;
+        for (;; ++k) {
+            if (!offer (start + k * step)) {
+                return;
+            }
+        }
+    }
+    if (rule.freq == ICAL_WEEKLY_RECURRENCE) {
+        const int64_t week0 = day0 - ((civil_weekday (start) - rule.week_start + 7) % 7);
+        const int per_week = __builtin_popcount (rule.mask);
+        int first_week = 0;  /* occurrences in the first week, from the start on */
+        for (int off = 0; off < 7; ++off) {
+            const int64_t day = week0 + off;
+            if (day >= day0 && (rule.mask & (1u << civil_weekday (day * kMinutesPerDay)))) {
+                ++first_week;
+            }
+        }
+        const int64_t period = 7 * rule.interval;
+        int64_t j = 0;
+        if (lower > start) {
+            j = std::max<int64_t> (0, floor_div (floor_div (lower, kMinutesPerDay) - week0, period) - 1);
+        }
+        index = j == 0 ? 0 : first_week + (j - 1) * per_week;
+        if (rule.count && index >= rule.count) {
+            return;
+        }
+        for (;; ++j) {
+            const int64_t week = week0 + j * period;
+            for (int off = 0; off < 7; ++off) {
+                const int64_t day = week + off;
+                if (day < day0 || !(rule.mask & (1u << civil_weekday (day * kMinutesPerDay)))) {
+                    continue;
+                }
+                if (!offer (day * kMinutesPerDay + tod)) {
+                    return;
+                }
+            }
+        }
+    }
+    /* Monthly and yearly: the start's day of the month, skipping months
+     * (or years) that lack it. */
+    const CivilFields f = civil_fields (start);
+    const int64_t step_months = rule.freq == ICAL_MONTHLY_RECURRENCE ? rule.interval : 12 * rule.interval;
+    const int64_t month0 = static_cast<int64_t> (f.year) * 12 + (f.month - 1);
+    int64_t k = 0;
+    if (!rule.count && lower > start) {
+        const CivilFields l = civil_fields (lower);
+        const int64_t lower_month = static_cast<int64_t> (l.year) * 12 + (l.month - 1);
+        k = std::max<int64_t> (0, (lower_month - month0) / step_months - 1);
+    }
+    for (;; ++k) {
+        const int64_t m = month0 + k * step_months;
+        const int64_t year = floor_div (m, 12);
+        const int month = static_cast<int> (m - year * 12) + 1;
+        if (year > 9999) {
+            return;
+        }
+        if (f.day > month_length (year, month)) {
+            continue;
+        }
+        if (!offer (civil_minutes (static_cast<int> (year), month, f.day) + tod)) {
+            return;
+        }
+    }
+}
+
+/* A zone's wall clock is never more than 26 hours from local time. */
+constexpr int64_t kZoneMargin = 26 * 60;
+
+/* Occurrences of one rule (civil minutes), beginning the iteration at
+ * @seek when the rule allows it, skipping those that start before
+ * @skip_before and stopping past @to. Converting an occurrence out of its
+ * zone is the costly step, so occurrences are first placed by their own
+ * wall-clock fields and converted only when they may matter. */
+template <typename Sink>
+void walk_rule (const std::string &text, const EntryRecord &entry, int64_t seek, int64_t skip_before, int64_t to,
+                size_t limit, bool arithmetic, Sink sink)
+{
+    const Frame frame = frame_for (entry);
+    icalrecurrencetype rule;
+    if (!parse_rule (text, rule)) {
+        return;
+    }
+    localise_until (rule, frame);
+    SimpleRule simple;
+    if (arithmetic && !frame.zone && simple_rule (rule, entry.start, simple)) {
+        walk_simple (simple, entry.start, skip_before, to, limit, sink);
+        return;
+    }
+    /* Without COUNT the n-th occurrence does not depend on the ones before
+     * it, so the iterator may begin at the window. libical seeks only rules
+     * without an end; an UNTIL merely cuts the sequence short, so it is
+     * applied here instead. */
+    const bool seeking = seek > entry.start && rule.count == 0;
+    icaltimetype until = icaltime_null_time ();
+    if (seeking && !icaltime_is_null_time (rule.until)) {
+        until = rule.until;
+        rule.until = icaltime_null_time ();
+    }
+    IteratorPtr it (icalrecur_iterator_new (rule, frame.to_ical (entry.start)));
+    if (!it) {
+        return;
+    }
+    if (seeking && !icalrecur_iterator_set_start (it.get (), frame.to_ical (seek))) {
+        rule.until = until;
+        until = icaltime_null_time ();
+        it.reset (icalrecur_iterator_new (rule, frame.to_ical (entry.start)));
+        if (!it) {
+            return;
+        }
+    }
+    const int64_t margin = frame.zone ? kZoneMargin : 0;
+    const int64_t lower = skip_before == std::numeric_limits<int64_t>::min () ? skip_before : skip_before - margin;
+    const int64_t upper = to == kUnbounded ? to : to + margin;
+    size_t steps = 0;
+    for (icaltimetype t = icalrecur_iterator_next (it.get ()); !icaltime_is_null_time (t);
+         t = icalrecur_iterator_next (it.get ())) {
+        if (++steps > limit * 4 + 1000) {
+            break;
+        }
+        if (!icaltime_is_null_time (until) && icaltime_compare (t, until) > 0) {
+            break;
+        }
+        const int64_t wall = civil_minutes (t.year, t.month, t.day, t.is_date ? 0 : t.hour, t.is_date ? 0 : t.minute);
+        if (wall > upper) {
+            break;
+        }
+        if (wall < lower) {
+            continue;
+        }
+        const int64_t civil = frame.zone ? frame.to_civil (t) : wall;
+        if (civil > to) {
+            break;
+        }
+        if (civil < skip_before) {
+            continue;
+        }
+        if (!sink (civil)) {
+            break;
+        }
+    }
+}
+
+std::vector<int64_t> expand (const EntryRecord &entry, int64_t from, int64_t to, size_t limit, bool seek)
+{
+    std::vector<int64_t> result;
+    const int64_t duration = std::max<int64_t> (0, entry.duration ());
+    auto touches = [&] (int64_t s) { return s <= to && s + duration >= from; };
+
+    if (!entry.repeats ()) {
+        if (touches (entry.start)) {
+            result.push_back (entry.start);
+        }
+        return result;
+    }
+
+    const int64_t window_start = from == std::numeric_limits<int64_t>::min () ? from : from - duration;
+    const int64_t seek_to = seek ? window_start : entry.start;
+
+    std::vector<int64_t> excluded (entry.exdates);
+    if (!entry.exrule.empty ()) {
+        walk_rule (entry.exrule, entry, entry.start, window_start, to, kMaxInstances, seek, [&] (int64_t s) {
+            excluded.push_back (s);
+            return true;
+        });
+    }
+    auto is_excluded = [&] (int64_t s) {
+        for (int64_t x : excluded) {
+            /* An exception given as a date removes the occurrence on that day. */
+            if (x == s || (entry.all_day && civil_day_start (x) == civil_day_start (s))) {
+                return true;
+            }
+        }
+        return false;
+    };
+
+    if (!entry.rrule.empty ()) {
+        walk_rule (entry.rrule, entry, seek_to, window_start, to, limit, seek, [&] (int64_t s) {
+            if (touches (s) && !is_excluded (s)) {
+                result.push_back (s);
+            }
+            return result.size () < limit;
+        });
+    } else if (touches (entry.start) && !is_excluded (entry.start)) {
+        result.push_back (entry.start);
+    }
+    for (int64_t r : entry.rdates) {
+        if (touches (r) && !is_excluded (r)) {
+            result.push_back (r);
+        }
+    }
+    std::sort (result.begin (), result.end ());
+    result.erase (std::unique (result.begin (), result.end ()), result.end ());
+    if (result.size () > limit) {
+        result.resize (limit);
+    }
+    return result;
+}
+
+}  // namespace
+
+Status validate_rrule (const std::string &rrule)
+{
+    icalrecurrencetype rule;
+    if (!parse_rule (rrule, rule)) {
+        return Status::failure (CalendarInvalidArg, "the repeat rule \"" + rrule + "\" is not a valid RRULE");
+    }
+    if (rule.interval < 1) {
+        return Status::failure (CalendarInvalidArg, "the repeat rule \"" + rrule + "\" has no valid INTERVAL");
+    }
+    return Status::success ();
+}
+
+std::vector<int64_t> expand_instances (const EntryRecord &entry, int64_t from, int64_t to, size_t limit)
+{
+    return expand (entry, from, to, limit, true);
+}
+
+std::vector<int64_t> expand_instances_stepping (const EntryRecord &entry, int64_t from, int64_t to, size_t limit)
+{
+    return expand (entry, from, to, limit, false);
+}
+
+int64_t last_instance_end (const EntryRecord &entry)
+{
+    const int64_t duration = std::max<int64_t> (0, entry.duration ());
+    int64_t last = entry.start;
+    for (int64_t r : entry.rdates) {
+        last = std::max (last, r);
+    }
+    if (!entry.rrule.empty ()) {
+        icalrecurrencetype rule;
+        if (!parse_rule (entry.rrule, rule)) {
+            return entry.start + duration;
+        }
+        if (rule_is_unbounded (rule)) {
+            return kUnbounded;
+        }
+        walk_rule (entry.rrule, entry, entry.start, std::numeric_limits<int64_t>::min (), kUnbounded, kMaxInstances,
+                   true, [&] (int64_t s) {
+            last = std::max (last, s);
+            return true;
+        });
+    }
+    return last + duration;
+}
+
+std::string rrule_for_repeat_code (TavCalendarRepeatCode code, int64_t until_day)
+{
+    std::string rule;
+    switch (code) {
+    case TavCalendarRepeatsEveryDay: rule = "FREQ=DAILY"; break;
+    case TavCalendarRepeatsEveryWorkday: rule = "FREQ=WEEKLY;BYDAY=MO,TU,WE,TH,FR"; break;
+    case TavCalendarRepeatsEveryWeek: rule = "FREQ=WEEKLY"; break;
+    case TavCalendarRepeatsEveryMonth: rule = "FREQ=MONTHLY"; break;
+    case TavCalendarRepeatsEveryYear: rule = "FREQ=YEARLY"; break;
+    default: return {};
+    }
+    if (until_day >= 0) {
+        const CivilFields f = civil_fields (until_day);
+        char buf[40];
+        snprintf (buf, sizeof buf, ";UNTIL=%04d%02d%02dT235959", f.year, f.month, f.day);
+        rule += buf;
+    }
+    return rule;
+}
+
+namespace {
+
+int array_length (const short *array, int size)
+{
+    int n = 0;
+    while (n < size && array[n] != ICAL_RECURRENCE_ARRAY_MAX) {
+        ++n;
+    }
+    return n;
+}
+
+}  // namespace
+
+TavCalendarRepeatCode repeat_code_for_rrule (const std::string &text, int64_t start, int64_t *until_day)
+{
+    if (until_day) {
+        *until_day = -1;
+    }
+    icalrecurrencetype rule;
+    if (text.empty ()) {
+        return TavCalendarRepeatsNoRepeat;
+    }
+    if (!parse_rule (text, rule) || rule.interval != 1 || rule.count != 0) {
+        return TavCalendarRepeatsComplex;
+    }
+    if (array_length (rule.by_second, ICAL_BY_SECOND_SIZE) || array_length (rule.by_minute, ICAL_BY_MINUTE_SIZE)
+        || array_length (rule.by_hour, ICAL_BY_HOUR_SIZE) || array_length (rule.by_year_day, ICAL_BY_YEARDAY_SIZE)
+        || array_length (rule.by_week_no, ICAL_BY_WEEKNO_SIZE) || array_length (rule.by_set_pos, ICAL_BY_SETPOS_SIZE)) {
+        return TavCalendarRepeatsComplex;
+    }
+    const CivilFields f = civil_fields (start);
+    const int n_days = array_length (rule.by_day, ICAL_BY_DAY_SIZE);
+    const int n_mdays = array_length (rule.by_month_day, ICAL_BY_MONTHDAY_SIZE);
+    const int n_months = array_length (rule.by_month, ICAL_BY_MONTH_SIZE);
+
+    /* Weekday mask of BYDAY without ordinals (bit 0 = Sunday). */
+    unsigned mask = 0;
+    for (int i = 0; i < n_days; ++i) {
+        if (icalrecurrencetype_day_position (rule.by_day[i]) != 0) {
+            return TavCalendarRepeatsComplex;
+        }
+        mask |= 1u << (static_cast<int> (icalrecurrencetype_day_day_of_week (rule.by_day[i])) - 1);
+    }
+    const unsigned workdays = 0x3e;
+    const unsigned start_day = 1u << civil_weekday (start);
+
+    TavCalendarRepeatCode code = TavCalendarRepeatsComplex;
+    switch (rule.freq) {
+    case ICAL_DAILY_RECURRENCE:
+        if (!n_mdays && !n_months) {
+            code = n_days == 0 ? TavCalendarRepeatsEveryDay
+                   : mask == workdays ? TavCalendarRepeatsEveryWorkday : TavCalendarRepeatsComplex;
+        }
+        break;
+    case ICAL_WEEKLY_RECURRENCE:
+        if (!n_mdays && !n_months) {
+            code = (n_days == 0 || mask == start_day) ? TavCalendarRepeatsEveryWeek
+                   : mask == workdays ? TavCalendarRepeatsEveryWorkday : TavCalendarRepeatsComplex;
+        }
+        break;
+    case ICAL_MONTHLY_RECURRENCE:
+        if (!n_days && !n_months && (n_mdays == 0 || (n_mdays == 1 && rule.by_month_day[0] == f.day))) {
+            code = TavCalendarRepeatsEveryMonth;
+        }
+        break;
+    case ICAL_YEARLY_RECURRENCE:
+        if (!n_days && (n_mdays == 0 || (n_mdays == 1 && rule.by_month_day[0] == f.day))
+            && (n_months == 0 || (n_months == 1 && rule.by_month[0] == f.month))) {
+            code = TavCalendarRepeatsEveryYear;
+        }
+        break;
+    default:
+        break;
+    }
+    if (code != TavCalendarRepeatsComplex && until_day && !icaltime_is_null_time (rule.until)) {
+        icaltimetype u = rule.until;
+        int64_t civil = icaltime_is_utc (u) && !u.is_date ? civil_from_time_t (icaltime_as_timet (u))
+                                                          : civil_minutes (u.year, u.month, u.day);
+        *until_day = civil_day_start (civil);
+    }
+    return code;
+}
+
+}  // namespace tav::host

@@ -1,0 +1,149 @@
+/* The tav-calendar program itself, run as a user runs it. */
+#include "HostStore.h"
+#include "HostTestUtil.h"
+
+#include <gdk-pixbuf/gdk-pixbuf.h>
+
+#include <set>
+
+using namespace tav::host;
+using namespace tav::host::test;
+
+namespace {
+
+struct ProgramRun {
+    int status = -1;
+    std::string out, err;
+};
+
+ProgramRun run (std::vector<std::string> args)
+{
+    args.insert (args.begin (), TAV_CALENDAR_BIN);
+    std::vector<char *> argv;
+    for (auto &a : args) {
+        argv.push_back (a.data ());
+    }
+    argv.push_back (nullptr);
+    ProgramRun r;
+    gchar *out = nullptr, *err = nullptr;
+    int wait = 0;
+    GError *error = nullptr;
+    if (!g_spawn_sync (nullptr, argv.data (), nullptr, G_SPAWN_DEFAULT, nullptr, nullptr, &out, &err, &wait, &error)) {
+        ADD_FAILURE () << error->message;
+        g_error_free (error);
+        return r;
+    }
+    r.status = WIFEXITED (wait) ? WEXITSTATUS (wait) : -1;
+    r.out = out ? out : "";
+    r.err = err ? err : "";
+    g_free (out);
+    g_free (err);
+    return r;
+}
+
+bool contains (const std::string &hay, const std::string &needle)
+{
+    return hay.find (needle) != std::string::npos;
+}
+
+/* Distinct colours in a picture, a rough measure of how much is drawn. */
+size_t colour_count (GdkPixbuf *p)
+{
+    std::set<uint32_t> colours;
+    const int n = gdk_pixbuf_get_n_channels (p), stride = gdk_pixbuf_get_rowstride (p);
+    const guchar *px = gdk_pixbuf_get_pixels (p);
+    for (int y = 0; y < gdk_pixbuf_get_height (p); ++y) {
+        for (int x = 0; x < gdk_pixbuf_get_width (p); ++x) {
+            const guchar *c = px + y * stride + x * n;
+            colours.insert ((c[0] << 16) | (c[1] << 8) | c[2]);
+        }
+    }
+    return colours.size ();
+}
+
+}  // namespace
+
+TEST (HostProgram, ScreenshotRendersEachViewAt800x480)
+{
+    REQUIRE_DISPLAY ();
+    tav::test::TempDir dir;
+    ProgramRun demo = run ({"--demo", "--date", "2026-11-23", "--screenshot", dir.file ("demo")});
+    ASSERT_EQ (demo.status, 0) << demo.err;
+    ProgramRun empty = run ({"--db", dir.file ("empty.db"), "--date", "2026-11-23", "--screenshot", dir.file ("empty")});
+    ASSERT_EQ (empty.status, 0) << empty.err;
+
+    for (const char *view : {"month", "week"}) {
+        SCOPED_TRACE (view);
+        EXPECT_TRUE (contains (demo.out, dir.file ("demo") + "/" + view + ".png")) << demo.out;
+        GError *err = nullptr;
+        GdkPixbuf *full = gdk_pixbuf_new_from_file (dir.file (std::string ("demo/") + view + ".png").c_str (), &err);
+        ASSERT_TRUE (full) << err->message;
+        GdkPixbuf *bare = gdk_pixbuf_new_from_file (dir.file (std::string ("empty/") + view + ".png").c_str (), &err);
+        ASSERT_TRUE (bare) << err->message;
+        EXPECT_EQ (gdk_pixbuf_get_width (full), 800);
+        EXPECT_EQ (gdk_pixbuf_get_height (full), 480);
+        /* The demo store fills the view with coloured entries and their
+         * texts; an empty store leaves only the grid. */
+        EXPECT_GT (colour_count (full), colour_count (bare) + 50);
+        g_object_unref (full);
+        g_object_unref (bare);
+    }
+}
+
+TEST (HostProgram, ImportPrintsCountsAndExportWritesThemBack)
+{
+    tav::test::TempDir dir;
+    const std::string db = dir.file ("cal.db");
+    ProgramRun imp = run ({"--db", db, "--import", fixture_path ("2445.ics"), "--import", fixture_path ("overlaps.ics")});
+    ASSERT_EQ (imp.status, 0) << imp.err;
+    EXPECT_TRUE (contains (imp.out, "imported 6 events, 2 tasks, 2 notes into 'Personal'")) << imp.out;
+    EXPECT_TRUE (contains (imp.out, "imported 5 events, 0 tasks, 0 notes")) << imp.out;
+
+    ProgramRun exp = run ({"--db", db, "--export", dir.file ("all.ics")});
+    ASSERT_EQ (exp.status, 0) << exp.err;
+    EXPECT_TRUE (contains (exp.out, "exported 15 entries from 1 calendars")) << exp.out;
+    const std::string text = read_file (dir.file ("all.ics"));
+    EXPECT_TRUE (contains (text, "SUMMARY:Bastille Day Party"));
+}
+
+TEST (HostProgram, BadInputGivesAClearMessageAndStatus)
+{
+    tav::test::TempDir dir;
+    const std::string junk = dir.file ("junk.db");
+    const std::string junk_text = "not a database at all\n" + std::string (4096, '#');
+    ASSERT_TRUE (g_file_set_contents (junk.c_str (), junk_text.data (), junk_text.size (), nullptr));
+    const std::string bad_ics = dir.file ("bad.ics");
+    const std::string bad_text = "BEGIN:VCALENDAR\nBEGIN:VEVENT\nDTSTART:20240101T100000Z\nSUMMARY:x\nEND:VEVENT\n"
+                                 "BEGIN:VEVENT\nDTSTART:20240102T100000Z\n";
+    ASSERT_TRUE (g_file_set_contents (bad_ics.c_str (), bad_text.data (), bad_text.size (), nullptr));
+    struct Row {
+        const char *label;
+        std::vector<std::string> args;
+        int status;
+        const char *message;
+    } rows[] = {
+        {"not a database", {"--db", junk, "--export", dir.file ("x.ics")}, 2, "is not a calendar database"},
+        {"malformed import", {"--db", dir.file ("a.db"), "--import", bad_ics}, 1, "bad.ics:6: BEGIN:VEVENT is never closed; nothing was imported"},
+        {"missing file", {"--db", dir.file ("a.db"), "--import", dir.file ("none.ics")}, 1, "cannot read"},
+        {"date format", {"--db", dir.file ("a.db"), "--date", "23.11.2026", "--screenshot", dir.path ()}, 2, "expected a date written YYYY-MM-DD"},
+        {"no such day", {"--db", dir.file ("a.db"), "--date", "2026-02-30", "--screenshot", dir.path ()}, 2, "there is no such day"},
+        {"out of range", {"--db", dir.file ("a.db"), "--date", "2040-01-01", "--screenshot", dir.path ()}, 2, "the years 1970 to 2037"},
+        {"unknown view", {"--db", dir.file ("a.db"), "--view", "year", "--screenshot", dir.path ()}, 2, "no such view"},
+        {"view not built yet", {"--db", dir.file ("a.db"), "--view", "notes", "--screenshot", dir.path ()}, 2, "not in this build yet"},
+        {"db and demo", {"--db", dir.file ("a.db"), "--demo"}, 2, "exclude each other"},
+    };
+    for (const Row &row : rows) {
+        ProgramRun r = run (row.args);
+        EXPECT_EQ (r.status, row.status) << row.label << ": " << r.err;
+        EXPECT_TRUE (contains (r.err, row.message)) << row.label << ": " << r.err;
+    }
+    EXPECT_EQ (read_file (junk), junk_text) << "the foreign file was changed";
+
+    /* The failed import left the store (created on first run) empty. */
+    Status st;
+    auto store = Store::open (dir.file ("a.db"), &st);
+    ASSERT_TRUE (store) << st.message;
+    ASSERT_EQ (store->calendars ().size (), 1u);
+    EXPECT_EQ (store->calendars ()[0].title, "Personal");
+    EXPECT_EQ (store->count_entries (store->calendars ()[0].id), 0);
+}

@@ -1,0 +1,176 @@
+/* The host's answer to "database-access-read", with the real month view. */
+#include "HostCalendarSet.h"
+#include "HostIcs.h"
+#include "HostWindow.h"
+#include "HostTestUtil.h"
+
+#include <gtk/gtk.h>
+
+#include <functional>
+
+using namespace tav::host;
+using namespace tav::host::test;
+
+namespace {
+
+std::string titles_on (TavCalendar *month, int y, int m, int d)
+{
+    const TavDate date = {y, m - 1, d};
+    GList *entries = tav_calendar_get_entries_for_day (month, &date);
+    std::vector<std::string> t;
+    for (GList *l = entries; l; l = l->next) {
+        t.push_back (tav_calendar_entry_get_title (TAV_CALENDAR_ENTRY (l->data)));
+    }
+    g_list_free_full (entries, g_object_unref);
+    std::sort (t.begin (), t.end ());
+    std::string out;
+    for (const auto &s : t) {
+        out += (out.empty () ? "" : ",") + s;
+    }
+    return out;
+}
+
+struct ReadFixture {
+    tav::test::TempDir dir;
+    std::shared_ptr<Store> store;
+    std::unique_ptr<CalendarSet> set;
+    int64_t home = 0, hidden = 0;
+    int reads = 0;
+
+    ReadFixture ()
+    {
+        Status st;
+        store = std::shared_ptr<Store> (Store::open (dir.file ("c.db"), &st).release ());
+        CalendarRecord a, b;
+        a.title = "Home";
+        b.title = "Hidden";
+        b.visible = false;
+        store->add_calendar (a);
+        store->add_calendar (b);
+        home = a.id;
+        hidden = b.id;
+        const std::string ics =
+            "BEGIN:VCALENDAR\r\n"
+            "BEGIN:VEVENT\r\nUID:1\r\nDTSTART:20240506T090000\r\nDTEND:20240506T100000\r\nSUMMARY:Dentist\r\nEND:VEVENT\r\n"
+            "BEGIN:VEVENT\r\nUID:2\r\nDTSTART:20240101T070000\r\nDTEND:20240101T080000\r\nRRULE:FREQ=WEEKLY;BYDAY=MO\r\n"
+            "EXDATE:20240513T070000\r\nSUMMARY:Gym\r\nEND:VEVENT\r\n"
+            "BEGIN:VEVENT\r\nUID:3\r\nDTSTART;VALUE=DATE:20240515\r\nDTEND;VALUE=DATE:20240518\r\nSUMMARY:Trip\r\nEND:VEVENT\r\n"
+            "BEGIN:VEVENT\r\nUID:4\r\nDTSTART:19650506T090000\r\nSUMMARY:Too early\r\nEND:VEVENT\r\n"
+            "END:VCALENDAR\r\n";
+        EXPECT_TRUE (import_ics_text (*store, home, ics).status.ok ());
+        EntryRecord secret;
+        secret.calendar_id = hidden;
+        secret.title = "Secret";
+        secret.start = at (2024, 5, 6, 12);
+        secret.end = secret.start + 30;
+        store->add_entry (secret);
+        set = std::make_unique<CalendarSet> (store);
+    }
+};
+
+gboolean on_read_cb (TavCalendarView *view, gpointer data)
+{
+    ReadFixture *f = static_cast<ReadFixture *> (data);
+    ++f->reads;
+    EXPECT_FALSE (tav_calendar_view_is_frozen (view));
+    const gboolean handled = answer_database_read (view, *f->set);
+    EXPECT_FALSE (tav_calendar_view_is_frozen (view)) << "the read must thaw what it froze";
+    return handled;
+}
+
+}  // namespace
+
+TEST (HostRead, MonthViewIsFilledFromTheVisibleCalendars)
+{
+    REQUIRE_DISPLAY ();
+    ReadFixture f;
+    GtkWidget *window = gtk_window_new (GTK_WINDOW_TOPLEVEL);
+    GtkWidget *month = tav_calendar_new ();
+    gtk_widget_set_size_request (window, 800, 480);
+    gtk_container_add (GTK_CONTAINER (window), month);
+    g_signal_connect (month, "database-access-read", G_CALLBACK (on_read_cb), &f);
+    gtk_widget_show_all (window);
+    tav::test::flush_events ();
+    tav_calendar_select_month (TAV_CALENDAR (month), 4, 2024);
+    tav::test::flush_events ();
+    EXPECT_GE (f.reads, 1);
+
+    struct Row {
+        int m, d;
+        const char *expected;
+    } rows[] = {
+        {5, 6, "Dentist,Gym"},
+        {5, 13, ""},          /* the exception date */
+        {5, 20, "Gym"},
+        {5, 16, "Trip"},
+        {5, 17, "Trip"},
+        {5, 18, ""},          /* DTEND of a date is exclusive */
+    };
+    for (const Row &row : rows) {
+        EXPECT_EQ (titles_on (TAV_CALENDAR (month), 2024, row.m, row.d), row.expected) << row.m << "/" << row.d;
+    }
+
+    /* The hidden calendar comes in once it is made visible and re-read. */
+    CalendarRecord c;
+    ASSERT_TRUE (f.store->find_calendar (f.hidden, &c));
+    c.visible = true;
+    ASSERT_TRUE (f.store->update_calendar (c).ok ());
+    tav_calendar_select_month (TAV_CALENDAR (month), 5, 2024);
+    tav_calendar_select_month (TAV_CALENDAR (month), 4, 2024);
+    tav::test::flush_events ();
+    EXPECT_EQ (titles_on (TAV_CALENDAR (month), 2024, 5, 6), "Dentist,Gym,Secret");
+    gtk_widget_destroy (window);
+}
+
+TEST (HostRead, IntervalsOutsideTheShownYearsReadNothing)
+{
+    ReadFixture f;
+    const TavDateInterval before = {{1965, 4, 1}, {1965, 4, 31}};
+    EXPECT_EQ (f.set->read_interval (before), nullptr) << "1965 is kept in the store but never shown";
+    EXPECT_EQ (f.store->entries_touching (at (1965, 5, 1), at (1965, 5, 31, 23, 59)).size (), 1u);
+    const TavDateInterval may = {{2024, 4, 1}, {2024, 4, 31}};
+    GList *entries = f.set->read_interval (may);
+    EXPECT_EQ (g_list_length (entries), 3u);  /* Dentist, Gym, Trip; the hidden one stays out */
+    g_list_free_full (entries, g_object_unref);
+}
+
+TEST (HostWindow, TappedDayOrWeekOfTheMonthOpensThatWeek)
+{
+    REQUIRE_DISPLAY ();
+    ReadFixture f;
+    App app;
+    app.calendars = std::make_unique<CalendarSet> (f.store);
+    app.focus = {2024, 4, 1};
+    app.build (true);
+    gtk_widget_show_all (app.window);
+    app.show_view (0);
+    tav::test::flush_events ();
+    ASSERT_TRUE (TAV_IS_CALENDAR (app.views[0]));
+    ASSERT_TRUE (TAV_IS_WEEK_VIEW (app.views[1]));
+
+    struct Row {
+        const char *label;
+        std::function<void ()> tap;
+        TavDate inside;
+    } rows[] = {
+        {"day 15 May", [&] { g_signal_emit_by_name (app.views[0], "day-activated", 2024, 4, 15); }, {2024, 4, 15}},
+        {"week of 27 May",
+         [&] {
+             const TavDateInterval week = {{2024, 4, 27}, {2024, 5, 2}};
+             g_signal_emit_by_name (app.views[0], "week-activated", 22, &week);
+         },
+         {2024, 4, 29}},
+    };
+    for (const Row &row : rows) {
+        app.show_view (0);
+        tav::test::flush_events ();
+        row.tap ();
+        tav::test::flush_events ();
+        EXPECT_EQ (app.current (), 1u) << row.label;
+        TavDateInterval shown;
+        ASSERT_TRUE (tav_calendar_view_get_presented_interval (TAV_CALENDAR_VIEW (app.views[1]), &shown)) << row.label;
+        EXPECT_TRUE (tav_date_interval_contains (&shown, &row.inside)) << row.label;
+        EXPECT_TRUE (gtk_toggle_button_get_active (GTK_TOGGLE_BUTTON (app.switches[1]))) << row.label;
+    }
+    gtk_widget_destroy (app.window);
+}

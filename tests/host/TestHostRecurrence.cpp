@@ -1,0 +1,229 @@
+/* Recurrence expansion: libical's own recurrence suite, the fast seek
+ * against plain stepping, zones, exceptions and the repeat-code mapping. */
+#include "HostIcs.h"
+#include "HostRecurrence.h"
+#include "HostTestUtil.h"
+
+#include <random>
+
+using namespace tav::host;
+using namespace tav::host::test;
+
+namespace {
+
+int expected_count (const EntryRecord &e)
+{
+    const std::string key = "X-EXPECT-NUMEVENTS:";
+    const size_t pos = e.extra.find (key);
+    if (pos == std::string::npos) {
+        return -1;
+    }
+    return atoi (e.extra.c_str () + pos + key.size ());
+}
+
+}  // namespace
+
+TEST (HostRecurrence, EveryRuleOfTheRecurrenceSuiteExpandsToItsExpectedCount)
+{
+    StoreFixture f;
+    ImportResult r = import_ics_file (*f.store, f.calendar, fixture_path ("recur.txt"));
+    ASSERT_TRUE (r.status.ok ()) << r.status.message;
+    EXPECT_EQ (r.events, 57);
+    int checked = 0;
+    for (const EntryRecord &e : f.store->entries_of_calendar (f.calendar)) {
+        const int expected = expected_count (e);
+        ASSERT_GE (expected, 0) << "X-EXPECT-NUMEVENTS was not kept for " << e.description;
+        const auto instances = expand_instances (e, INT64_MIN, kUnbounded);
+        EXPECT_EQ (static_cast<int> (instances.size ()), expected) << e.description << " / " << e.rrule;
+        ++checked;
+    }
+    EXPECT_EQ (checked, 57);
+}
+
+TEST (HostRecurrence, SeekingToTheWindowGivesWhatSteppingGives)
+{
+    /* Random rules and windows: the fast path (seek the iterator to the
+     * window) must return exactly the stepping result. */
+    const char *freqs[] = {"DAILY", "WEEKLY", "MONTHLY", "YEARLY"};
+    const char *extras[] = {"", ";BYDAY=MO,WE,FR", ";BYMONTHDAY=1,15,-1", ";BYDAY=-1SU", ";BYMONTH=2,8",
+                            ";BYSETPOS=2;BYDAY=TU,TH", ";UNTIL=20300101T000000"};
+    const char *zones[] = {"", "America/Los_Angeles", "Europe/Berlin"};
+    std::mt19937 rng (20240517);
+    int compared = 0, non_empty = 0;
+    for (int i = 0; i < 250; ++i) {
+        EntryRecord e;
+        e.start = at (2000 + static_cast<int> (rng () % 30), 1 + static_cast<int> (rng () % 12),
+                      1 + static_cast<int> (rng () % 28), static_cast<int> (rng () % 24), 15 * static_cast<int> (rng () % 4));
+        e.end = e.start + static_cast<int64_t> (rng () % 4000);
+        const char *freq = freqs[rng () % 4];
+        std::string rule = std::string ("FREQ=") + freq + ";INTERVAL=" + std::to_string (1 + rng () % 3);
+        const char *extra = extras[rng () % 7];
+        if (std::string (extra).find ("BYSETPOS") != std::string::npos && std::string (freq) != "MONTHLY") {
+            extra = "";
+        }
+        rule += extra;
+        e.rrule = rule;
+        e.tzid = zones[rng () % 3];
+        if (rng () % 3 == 0) {
+            e.exdates.push_back (e.start + 7 * kMinutesPerDay);
+        }
+        const int64_t from = e.start + static_cast<int64_t> (rng () % (20 * 365)) * kMinutesPerDay -
+                             static_cast<int64_t> (rng () % 60) * kMinutesPerDay;
+        const int64_t to = from + static_cast<int64_t> (1 + rng () % 45) * kMinutesPerDay;
+        const auto fast = expand_instances (e, from, to);
+        const auto slow = expand_instances_stepping (e, from, to);
+        EXPECT_EQ (fast, slow) << rule << " zone '" << e.tzid << "' start " << civil_to_string (e.start)
+                               << " window " << civil_to_string (from) << " .. " << civil_to_string (to);
+        ++compared;
+        non_empty += !slow.empty ();
+    }
+    EXPECT_EQ (compared, 250);
+    EXPECT_GT (non_empty, 80) << "the windows should mostly hold instances";
+}
+
+TEST (HostRecurrence, CountedOutSimpleRulesMatchLibical)
+{
+    /* Daily, weekly (with weekday sets and week starts), monthly and yearly
+     * rules with INTERVAL, COUNT and UNTIL are counted out without libical;
+     * every window must give what libical's own iteration gives. */
+    const char *freqs[] = {"DAILY", "WEEKLY", "MONTHLY", "YEARLY"};
+    const char *days[] = {"MO", "TU", "WE", "TH", "FR", "SA", "SU"};
+    std::mt19937 rng (77);
+    int compared = 0, with_instances = 0;
+    for (int i = 0; i < 1500; ++i) {
+        EntryRecord e;
+        const int day = rng () % 5 == 0 ? 28 + static_cast<int> (rng () % 4) : 1 + static_cast<int> (rng () % 28);
+        const int month = 1 + static_cast<int> (rng () % 12);
+        const int year = 1995 + static_cast<int> (rng () % 40);
+        if (day > 28 && static_cast<int64_t> (day) > civil_fields (civil_minutes (year, month % 12 + 1, 1) - 1).day) {
+            continue;
+        }
+        e.start = at (year, month, day, static_cast<int> (rng () % 24), 5 * static_cast<int> (rng () % 12));
+        e.end = e.start + static_cast<int64_t> (rng () % 3000);
+        const std::string freq = freqs[rng () % 4];
+        std::string rule = "FREQ=" + freq;
+        if (rng () % 2) {
+            rule += ";INTERVAL=" + std::to_string (1 + rng () % 4);
+        }
+        if (freq == "WEEKLY" && rng () % 2) {
+            std::string list = days[(civil_weekday (e.start) + 6) % 7];
+            for (int d = 0; d < 7; ++d) {
+                if (rng () % 3 == 0 && list.find (days[d]) == std::string::npos) {
+                    list += std::string (",") + days[d];
+                }
+            }
+            rule += ";BYDAY=" + list;
+            if (rng () % 2) {
+                rule += std::string (";WKST=") + days[rng () % 7];
+            }
+        }
+        switch (rng () % 3) {
+        case 0: rule += ";COUNT=" + std::to_string (1 + rng () % 60); break;
+        case 1: {
+            const CivilFields u = civil_fields (e.start + static_cast<int64_t> (rng () % (3 * 365)) * kMinutesPerDay +
+                                                static_cast<int64_t> (rng () % 1440));
+            char buf[32];
+            snprintf (buf, sizeof buf, ";UNTIL=%04d%02d%02dT%02d%02d00", u.year, u.month, u.day, u.hour, u.minute);
+            rule += buf;
+            break;
+        }
+        default: break;
+        }
+        e.rrule = rule;
+        const int64_t from = e.start - 40 * kMinutesPerDay + static_cast<int64_t> (rng () % (4 * 365)) * kMinutesPerDay;
+        const int64_t to = from + static_cast<int64_t> (1 + rng () % 60) * kMinutesPerDay;
+        const auto fast = expand_instances (e, from, to);
+        const auto slow = expand_instances_stepping (e, from, to);
+        ASSERT_EQ (fast, slow) << rule << " start " << civil_to_string (e.start) << " window " << civil_to_string (from)
+                               << " .. " << civil_to_string (to);
+        if (rule.find ("COUNT") != std::string::npos || rule.find ("UNTIL") != std::string::npos) {
+            ASSERT_EQ (expand_instances (e, INT64_MIN, kUnbounded), expand_instances_stepping (e, INT64_MIN, kUnbounded))
+                << rule;
+            ASSERT_EQ (last_instance_end (e), expand_instances_stepping (e, INT64_MIN, kUnbounded).back () + e.duration ())
+                << rule;
+        }
+        ++compared;
+        with_instances += !slow.empty ();
+    }
+    EXPECT_GT (compared, 1400);
+    EXPECT_GT (with_instances, 500);
+}
+
+TEST (HostRecurrence, ZonedRuleKeepsItsWallClockAcrossDaylightSaving)
+{
+    /* 09:00 in Los Angeles is 17:00 UTC in winter and 16:00 UTC in summer
+     * (the tests run with TZ=UTC). */
+    EntryRecord e;
+    e.tzid = "America/Los_Angeles";
+    e.start = at (2024, 1, 8, 17);
+    e.end = e.start + 60;
+    e.rrule = "FREQ=WEEKLY;COUNT=30";
+    const auto all = expand_instances (e, INT64_MIN, kUnbounded);
+    ASSERT_EQ (all.size (), 30u);
+    EXPECT_EQ (civil_to_string (all[0]), "2024-01-08 17:00");
+    EXPECT_EQ (civil_to_string (all[9]), "2024-03-11 16:00");
+    EXPECT_EQ (civil_to_string (all[29]), "2024-07-29 16:00");
+
+    EntryRecord local = e;
+    local.tzid.clear ();
+    EXPECT_EQ (civil_to_string (expand_instances (local, INT64_MIN, kUnbounded)[9]), "2024-03-11 17:00");
+}
+
+TEST (HostRecurrence, ExceptionsAndExtraDates)
+{
+    EntryRecord e;
+    e.start = at (2024, 5, 6, 9);
+    e.end = e.start + 30;
+    e.rrule = "FREQ=DAILY;COUNT=5";
+    e.exdates = {at (2024, 5, 7, 9)};
+    e.rdates = {at (2024, 5, 20, 14)};
+    std::string got;
+    for (int64_t s : expand_instances (e, INT64_MIN, kUnbounded)) {
+        got += civil_to_string (s) + ";";
+    }
+    EXPECT_EQ (got, "2024-05-06 09:00;2024-05-08 09:00;2024-05-09 09:00;2024-05-10 09:00;2024-05-20 14:00;");
+
+    /* A window catches an instance that started before it and is still on. */
+    e.end = e.start + 2 * kMinutesPerDay;
+    EXPECT_EQ (expand_instances (e, at (2024, 5, 11), at (2024, 5, 11, 23, 59)).size (), 2u);
+    EXPECT_EQ (last_instance_end (e), at (2024, 5, 22, 14));
+}
+
+TEST (HostRecurrence, SimpleRepeatCodesMapToRulesAndBack)
+{
+    const int64_t monday = at (2024, 5, 6, 9);  /* a Monday */
+    struct Row {
+        const char *rrule;
+        TavCalendarRepeatCode code;
+        int64_t until;
+    } rows[] = {
+        {"", TavCalendarRepeatsNoRepeat, -1},
+        {"FREQ=DAILY", TavCalendarRepeatsEveryDay, -1},
+        {"FREQ=WEEKLY;BYDAY=MO,TU,WE,TH,FR", TavCalendarRepeatsEveryWorkday, -1},
+        {"FREQ=DAILY;BYDAY=MO,TU,WE,TH,FR", TavCalendarRepeatsEveryWorkday, -1},
+        {"FREQ=WEEKLY", TavCalendarRepeatsEveryWeek, -1},
+        {"FREQ=WEEKLY;BYDAY=MO", TavCalendarRepeatsEveryWeek, -1},
+        {"FREQ=MONTHLY;UNTIL=20241231T235959", TavCalendarRepeatsEveryMonth, at (2024, 12, 31)},
+        {"FREQ=YEARLY;BYMONTH=5;BYMONTHDAY=6", TavCalendarRepeatsEveryYear, -1},
+        {"FREQ=WEEKLY;BYDAY=TU", TavCalendarRepeatsComplex, -1},
+        {"FREQ=DAILY;INTERVAL=2", TavCalendarRepeatsComplex, -1},
+        {"FREQ=DAILY;COUNT=3", TavCalendarRepeatsComplex, -1},
+        {"FREQ=MONTHLY;BYDAY=1MO", TavCalendarRepeatsComplex, -1},
+        {"FREQ=HOURLY", TavCalendarRepeatsComplex, -1},
+        {"not a rule", TavCalendarRepeatsComplex, -1},
+    };
+    for (const Row &row : rows) {
+        int64_t until = 0;
+        EXPECT_EQ (repeat_code_for_rrule (row.rrule, monday, &until), row.code) << row.rrule;
+        EXPECT_EQ (until, row.until) << row.rrule;
+    }
+    for (int code = TavCalendarRepeatsEveryDay; code <= TavCalendarRepeatsEveryYear; ++code) {
+        for (int64_t until : {int64_t (-1), at (2025, 2, 3)}) {
+            const std::string rule = rrule_for_repeat_code (static_cast<TavCalendarRepeatCode> (code), until);
+            int64_t back = 0;
+            EXPECT_EQ (repeat_code_for_rrule (rule, monday, &back), code) << rule;
+            EXPECT_EQ (back, until) << rule;
+        }
+    }
+    EXPECT_EQ (rrule_for_repeat_code (TavCalendarRepeatsComplex, -1), "");
+}
