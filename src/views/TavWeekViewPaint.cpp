@@ -265,6 +265,18 @@ static void ensure_cache (TavWeekView *view, int width)
     (void) widget;
 }
 
+/* TRUE when the wrapped @layout starts a line in the middle of a word. */
+static bool breaks_inside_a_word (PangoLayout *layout)
+{
+    const char *text = pango_layout_get_text (layout);
+    for (GSList *l = pango_layout_get_lines_readonly (layout); l; l = l->next) {
+        const int start = static_cast<PangoLayoutLine *> (l->data)->start_index;
+        if (start > 0 && !g_unichar_isspace (g_utf8_get_char (g_utf8_prev_char (text + start))))
+            return true;
+    }
+    return false;
+}
+
 static void paint_hour_entry (cairo_t *cr, TavWeekView *view, PangoLayout *layout, WeekEntry *wentry,
                               const GdkRectangle &r, int visible_top)
 {
@@ -304,7 +316,7 @@ static void paint_hour_entry (cairo_t *cr, TavWeekView *view, PangoLayout *layou
     std::string markup;
     const bool narrow = r.width < 64;
     if (narrow)
-        markup = title;
+        markup = "<small>" + title + "</small>";
     else if (r.height < 40)
         markup = "<small>" + time + "</small> " + title;
     else {
@@ -316,8 +328,13 @@ static void paint_hour_entry (cairo_t *cr, TavWeekView *view, PangoLayout *layou
     }
     pango_layout_set_markup (layout, markup.c_str (), -1);
     pango_layout_set_width (layout, (r.width - 9) * PANGO_SCALE);
-    pango_layout_set_wrap (layout, narrow ? PANGO_WRAP_CHAR : PANGO_WRAP_WORD_CHAR);
+    pango_layout_set_wrap (layout, PANGO_WRAP_WORD_CHAR);
     pango_layout_set_ellipsize (layout, PANGO_ELLIPSIZE_END);
+    pango_layout_set_height (layout, G_MAXINT); /* unlimited lines, to see where it breaks */
+    /* A word cut in the middle across lines ("Proj-ect") reads worse than a
+     * word cut short ("Proj..."): when a narrow column cannot hold a whole
+     * word, show the title on one ellipsized line. */
+    const bool single_line = narrow && breaks_inside_a_word (layout);
     /* Keep the label in sight while the entry's start is scrolled away or
      * hidden under the all-day bar. */
     int text_y = r.y + 2;
@@ -327,7 +344,8 @@ static void paint_hour_entry (cairo_t *cr, TavWeekView *view, PangoLayout *layou
     const int bar_bottom = bar_top + view->priv->all_day_bar_height;
     if (text_y + 12 > bar_top && text_y < bar_bottom && r.y + r.height - (bar_bottom + 2) > 16)
         text_y = bar_bottom + 2;
-    pango_layout_set_height (layout, (r.y + r.height - text_y - 2) * PANGO_SCALE);
+    /* A height of 0 asks Pango for exactly one line. */
+    pango_layout_set_height (layout, single_line ? 0 : (r.y + r.height - text_y - 2) * PANGO_SCALE);
     cairo_save (cr);
     cairo_rectangle (cr, r.x + 6, r.y + 1, r.width - 7, r.height - 2);
     cairo_clip (cr);
