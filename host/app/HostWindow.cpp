@@ -180,7 +180,30 @@ void App::build (bool offscreen)
     }
     gtk_box_pack_start (GTK_BOX (bar), today, FALSE, FALSE, 0);
     gtk_box_pack_start (GTK_BOX (bar), next, FALSE, FALSE, 0);
-    gtk_box_pack_start (GTK_BOX (box), bar, FALSE, FALSE, 0);
+    for (GtkWidget *b : {prev, today, next})
+        gtk_button_set_relief (GTK_BUTTON (b), GTK_RELIEF_NONE);
+    for (GtkWidget *b : switches)
+        gtk_button_set_relief (GTK_BUTTON (b), GTK_RELIEF_NONE);
+
+    /* The bar wears the views' dark header colours, so the window reads as
+     * one surface: light text, the chosen view in the accent blue. */
+    gtk_rc_parse_string (
+        "style \"tav-host-bar\" {\n"
+        "  bg[NORMAL] = \"#1f2833\"\n"
+        "  bg[PRELIGHT] = \"#2d3947\"\n"
+        "  bg[ACTIVE] = \"#1e88e5\"\n"
+        "  fg[NORMAL] = \"#dfe6ee\"\n"
+        "  fg[PRELIGHT] = \"#ffffff\"\n"
+        "  fg[ACTIVE] = \"#ffffff\"\n"
+        "  font_name = \"Sans Bold 12\"\n"
+        "  xthickness = 0\n"
+        "  ythickness = 0\n"
+        "}\n"
+        "widget \"*.tav-host-bar*\" style \"tav-host-bar\"\n");
+    GtkWidget *bar_background = gtk_event_box_new ();
+    gtk_widget_set_name (bar_background, "tav-host-bar");
+    gtk_container_add (GTK_CONTAINER (bar_background), bar);
+    gtk_box_pack_start (GTK_BOX (box), bar_background, FALSE, FALSE, 0);
     gtk_box_pack_start (GTK_BOX (box), notebook, TRUE, TRUE, 0);
     gtk_container_add (GTK_CONTAINER (window), box);
 }
