@@ -27,66 +27,46 @@ Rgba pixel (GdkPixbuf *pixbuf, int x, int y)
     return { p[0], p[1], p[2], gdk_pixbuf_get_has_alpha (pixbuf) ? p[3] : 255 };
 }
 
-/* Writes a PNG of @width x @height whose left half is red and right half
- * blue (no alpha channel). */
-void write_split_png (const std::string &path, int width, int height)
+/* Writes a PNG of @width x @height (no alpha channel) whose left half has
+ * colour @left and right half @right (0xRRGGBBAA). */
+void write_png (const std::string &path, int width, int height, guint32 left, guint32 right)
 {
     auto image = tav::adoptGRef (gdk_pixbuf_new (GDK_COLORSPACE_RGB, FALSE, 8, width, height));
-    for (int y = 0; y < height; y++)
-        for (int x = 0; x < width; x++) {
-            guchar *p = gdk_pixbuf_get_pixels (image.get ()) + y * gdk_pixbuf_get_rowstride (image.get ()) + x * 3;
-            bool left = x < width / 2;
-            p[0] = left ? 255 : 0;
-            p[1] = 0;
-            p[2] = left ? 0 : 255;
-        }
-    ASSERT_TRUE (gdk_pixbuf_save (image.get (), path.c_str (), "png", nullptr, NULL));
-}
-
-void write_solid_png (const std::string &path, int width, int height, guint32 rgba)
-{
-    auto image = tav::adoptGRef (gdk_pixbuf_new (GDK_COLORSPACE_RGB, TRUE, 8, width, height));
-    gdk_pixbuf_fill (image.get (), rgba);
+    gdk_pixbuf_fill (image.get (), right);
+    gdk_pixbuf_fill (tav::adoptGRef (gdk_pixbuf_new_subpixbuf (image.get (), 0, 0, width / 2, height)).get (), left);
     ASSERT_TRUE (gdk_pixbuf_save (image.get (), path.c_str (), "png", nullptr, NULL));
 }
 
 } // namespace
 
-TEST (CreatePixbuf, CoversTheBoxAndCropsTheTopLeft)
+/* The source is red on its left half and blue on its right. Cover scaling
+ * loads it large enough to cover the box and keeps the top-left part (with
+ * alpha); at scale it is stretched to the box as it is. */
+TEST (CreatePixbuf, CoversTheBoxOrStretchesToIt)
 {
+    const Rgba red = { 255, 0, 0, 255 }, blue = { 0, 0, 255, 255 };
+    struct Probe { int x, y; Rgba colour; };
+    struct { const char *label; int file_width, file_height; bool at_scale; int width, height; std::vector<Probe> probes; } rows[] = {
+        /* Loaded at trunc(2 + 40 * 2) = 82 by 40: the left 40 columns are all red. */
+        { "wide into a square", 100, 50, false, 40, 40, { { 0, 0, red }, { 39, 39, red } } },
+        /* Limited by the height: loaded 60 wide and trunc(60 / 2 + 2) = 32 high. */
+        { "wide into a flat box", 100, 50, false, 60, 20, { { 5, 19, red }, { 55, 0, blue } } },
+        { "exact size", 30, 10, false, 30, 10, { { 14, 5, red }, { 15, 5, blue } } },
+        { "at scale", 100, 50, true, 20, 20, { { 2, 10, red }, { 17, 10, blue } } },
+    };
     TempDir dir;
-    std::string path = dir.file ("wide.png");
-    write_split_png (path, 100, 50);
-
-    /* 100x50 into 40x40: loaded at trunc(2 + 40 * 2) = 82 by 40, the left
-     * 40 columns kept. Those are all from the red half. */
-    auto result = tav::adoptGRef (tav_create_pixbuf (path.c_str (), 40, 40));
-    ASSERT_TRUE (result);
-    EXPECT_EQ (gdk_pixbuf_get_width (result.get ()), 40);
-    EXPECT_EQ (gdk_pixbuf_get_height (result.get ()), 40);
-    EXPECT_TRUE (gdk_pixbuf_get_has_alpha (result.get ()));
-    EXPECT_EQ (pixel (result.get (), 0, 0), (Rgba { 255, 0, 0, 255 }));
-    EXPECT_EQ (pixel (result.get (), 39, 39), (Rgba { 255, 0, 0, 255 }));
-
-    /* Limited by the height: 100x50 into 60x20 scales to 40x20, so the file
-     * is loaded 60 wide and trunc(60 / 2 + 2) = 32 high, covering the box. */
-    auto flat = tav::adoptGRef (tav_create_pixbuf (path.c_str (), 60, 20));
-    ASSERT_TRUE (flat);
-    EXPECT_EQ (gdk_pixbuf_get_width (flat.get ()), 60);
-    EXPECT_EQ (gdk_pixbuf_get_height (flat.get ()), 20);
-    EXPECT_EQ (pixel (flat.get (), 5, 19), (Rgba { 255, 0, 0, 255 }));
-    EXPECT_EQ (pixel (flat.get (), 55, 0), (Rgba { 0, 0, 255, 255 }));
-}
-
-TEST (CreatePixbuf, ExactSizeIsLoadedUnchanged)
-{
-    TempDir dir;
-    std::string path = dir.file ("exact.png");
-    write_split_png (path, 30, 10);
-    auto result = tav::adoptGRef (tav_create_pixbuf (path.c_str (), 30, 10));
-    ASSERT_TRUE (result);
-    EXPECT_EQ (pixel (result.get (), 14, 5), (Rgba { 255, 0, 0, 255 }));
-    EXPECT_EQ (pixel (result.get (), 15, 5), (Rgba { 0, 0, 255, 255 }));
+    for (const auto &row : rows) {
+        SCOPED_TRACE (row.label);
+        std::string path = dir.file (std::to_string (row.file_width) + "x" + std::to_string (row.file_height) + ".png");
+        write_png (path, row.file_width, row.file_height, 0xff0000ff, 0x0000ffff);
+        auto result = tav::adoptGRef ((row.at_scale ? tav_create_pixbuf_at_scale : tav_create_pixbuf) (path.c_str (), row.width, row.height));
+        ASSERT_TRUE (result);
+        EXPECT_EQ (gdk_pixbuf_get_width (result.get ()), row.width);
+        EXPECT_EQ (gdk_pixbuf_get_height (result.get ()), row.height);
+        EXPECT_EQ (gdk_pixbuf_get_has_alpha (result.get ()), !row.at_scale);
+        for (const Probe &probe : row.probes)
+            EXPECT_EQ (pixel (result.get (), probe.x, probe.y), probe.colour) << probe.x << "," << probe.y;
+    }
 }
 
 TEST (CreatePixbuf, UnreadableFilesGiveNullAndALogLine)
@@ -100,19 +80,6 @@ TEST (CreatePixbuf, UnreadableFilesGiveNullAndALogLine)
         EXPECT_TRUE (capture.has_warning ("Unable to load '" + path + "'")) << capture.dump ();
         EXPECT_EQ (tav_create_pixbuf_at_scale (path.c_str (), 10, 10), nullptr);
     }
-}
-
-TEST (CreatePixbuf, AtScaleIgnoresTheAspect)
-{
-    TempDir dir;
-    std::string path = dir.file ("wide.png");
-    write_split_png (path, 100, 50);
-    auto result = tav::adoptGRef (tav_create_pixbuf_at_scale (path.c_str (), 20, 20));
-    ASSERT_TRUE (result);
-    EXPECT_EQ (gdk_pixbuf_get_width (result.get ()), 20);
-    EXPECT_EQ (gdk_pixbuf_get_height (result.get ()), 20);
-    EXPECT_EQ (pixel (result.get (), 2, 10).r, 255);
-    EXPECT_EQ (pixel (result.get (), 17, 10).b, 255);
 }
 
 TEST (EnsureAlpha, WhiteBecomesTransparent)
@@ -142,19 +109,16 @@ TEST (ColorIcons, FileChosenBySize)
     const std::string root = dir.path () + "/";
     for (const char *sub : { "48x48/kivo", "64x64/kivo", "scalable/kivo" })
         g_mkdir_with_parents ((root + sub).c_str (), 0755);
-    write_solid_png (root + "48x48/kivo/calendar_colors_green.png", 48, 48, 0x110000ff);
-    write_solid_png (root + "64x64/kivo/calendar_colors_green.png", 64, 64, 0x220000ff);
-    write_solid_png (root + "scalable/kivo/calendar_colors_allday_green.png", 102, 48, 0x330000ff);
-    write_solid_png (root + "48x48/kivo/calendar_colors_red.png", 48, 48, 0x440000ff);
+    write_png (root + "48x48/kivo/calendar_colors_green.png", 48, 48, 0x110000ff, 0x110000ff);
+    write_png (root + "64x64/kivo/calendar_colors_green.png", 64, 64, 0x220000ff, 0x220000ff);
+    write_png (root + "scalable/kivo/calendar_colors_allday_green.png", 102, 48, 0x330000ff, 0x330000ff);
+    write_png (root + "48x48/kivo/calendar_colors_red.png", 48, 48, 0x440000ff, 0x440000ff);
 
     const char *saved = g_getenv ("TAV_CALENDAR_ICON_DIR");
     std::string saved_value = saved ? saved : "";
     g_setenv ("TAV_CALENDAR_ICON_DIR", root.c_str (), TRUE);
 
-    struct Row {
-        TavCalendarColor color;
-        int width, height, marker;
-    } rows[] = {
+    struct Row { TavCalendarColor color; int width, height, marker; } rows[] = {
         { TavCalendarColorGreen, 40, 40, 0x11 },
         { TavCalendarColorGreen, 48, 48, 0x11 },
         { TavCalendarColorGreen, 102, 48, 0x33 },

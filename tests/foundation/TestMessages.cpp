@@ -3,7 +3,6 @@
 
 #include "TestSupport.h"
 
-#include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <regex>
@@ -87,50 +86,13 @@ TEST (Messages, EveryIdUsedInTheCodeResolvesToEnglish)
     }
 }
 
-TEST (Messages, UnknownIdComesBackUnchanged)
+TEST (Messages, UnknownIdsComeBackUnchangedAndPluralsChooseTheForm)
 {
     EXPECT_STREQ (tav_dgettext (TAV_DOMAIN_CALENDAR, "cal_no_such_message"), "cal_no_such_message");
     EXPECT_EQ (tav_intl_fallback (TAV_DOMAIN_KIVO_LIBS, "cal_va_none", 1), nullptr);
-}
 
-TEST (Messages, PluralsChooseTheForm)
-{
-    const char *one = tav_dngettext (TAV_DOMAIN_CALENDAR, "cal_va_calendar_visible", "cal_va_calendars", 1);
-    const char *many = tav_dngettext (TAV_DOMAIN_CALENDAR, "cal_va_calendar_visible", "cal_va_calendars", 3);
-    EXPECT_STRNE (one, many);
-    EXPECT_EQ (std::string (one).find ("cal_"), std::string::npos);
-    EXPECT_EQ (std::string (many).find ("cal_"), std::string::npos);
-}
-
-/* The toolkit's date formats are strftime formats that print readable
- * English, never the ID itself. */
-TEST (Messages, DateFormatsAreStrftimeFormats)
-{
-    struct tm tm = {};
-    tm.tm_year = 2009 - 1900;
-    tm.tm_mon = 0;
-    tm.tm_mday = 7;
-    tm.tm_wday = 3;
-    tm.tm_hour = 21;
-    tm.tm_min = 5;
-    tm.tm_yday = 6;
-    struct Row {
-        const char *id, *must_contain;
-    } rows[] = {
-        { "wdgt_va_24h_time", "21:05" },
-        { "wdgt_va_12h_time_pm", "9:05" },
-        { "wdgt_va_12h_time_am", "9:05" },
-        { "wdgt_va_date_long", "January" },
-        { "wdgt_va_date", "2009" },
-        { "wdgt_va_date_short", "7" },
-        { "wdgt_va_week", "Wednesday" },
-        { "wdgt_va_week_name_short", "Wed" },
-        { "wdgt_va_week_number", "2" },
-    };
-    for (const auto &row : rows) {
-        char buffer[256] = {};
-        strftime (buffer, 255, TAV_KIVO (row.id), &tm);
-        EXPECT_NE (std::string (buffer).find (row.must_contain), std::string::npos) << row.id << ": " << buffer;
-        EXPECT_EQ (std::string (buffer).find ("wdgt"), std::string::npos) << row.id;
-    }
+    std::string one = tav_dngettext (TAV_DOMAIN_CALENDAR, "cal_va_calendar_visible", "cal_va_calendars", 1);
+    std::string many = tav_dngettext (TAV_DOMAIN_CALENDAR, "cal_va_calendar_visible", "cal_va_calendars", 3);
+    EXPECT_NE (one, many);
+    EXPECT_EQ ((one + many).find ("cal_"), std::string::npos);
 }
