@@ -110,65 +110,27 @@ TavCalendarProcessor *tav_date_shared_processor (void)
 
 /* Copy and free ----------------------------------------------------------- */
 
-TavTime *tav_time_copy (const TavTime *time)
-{
-    g_return_val_if_fail (time != NULL, nullptr);
-    return g_slice_dup (TavTime, time);
-}
+/* Every boxed type is copied and freed alike through the slice allocator.
+ * @arg is the parameter's name, which a NULL check reports ("time != NULL"). */
+#define TAV_DEFINE_COPY_AND_FREE(Type, prefix, arg) \
+    Type *prefix##_copy (const Type *arg)           \
+    {                                               \
+        g_return_val_if_fail (arg != NULL, nullptr); \
+        return g_slice_dup (Type, arg);             \
+    }                                               \
+    void prefix##_free (Type *arg)                  \
+    {                                               \
+        g_return_if_fail (arg != NULL);             \
+        g_slice_free (Type, arg);                   \
+    }
 
-TavDate *tav_date_copy (const TavDate *date)
-{
-    g_return_val_if_fail (date != NULL, nullptr);
-    return g_slice_dup (TavDate, date);
-}
+TAV_DEFINE_COPY_AND_FREE (TavTime, tav_time, time)
+TAV_DEFINE_COPY_AND_FREE (TavDate, tav_date, date)
+TAV_DEFINE_COPY_AND_FREE (TavTimestamp, tav_timestamp, timestamp)
+TAV_DEFINE_COPY_AND_FREE (TavDateInterval, tav_date_interval, interval)
+TAV_DEFINE_COPY_AND_FREE (TavTimeInterval, tav_time_interval, interval)
 
-TavTimestamp *tav_timestamp_copy (const TavTimestamp *timestamp)
-{
-    g_return_val_if_fail (timestamp != NULL, nullptr);
-    return g_slice_dup (TavTimestamp, timestamp);
-}
-
-TavDateInterval *tav_date_interval_copy (const TavDateInterval *interval)
-{
-    g_return_val_if_fail (interval != NULL, nullptr);
-    return g_slice_dup (TavDateInterval, interval);
-}
-
-TavTimeInterval *tav_time_interval_copy (const TavTimeInterval *interval)
-{
-    g_return_val_if_fail (interval != NULL, nullptr);
-    return g_slice_dup (TavTimeInterval, interval);
-}
-
-void tav_time_free (TavTime *time)
-{
-    g_return_if_fail (time != NULL);
-    g_slice_free (TavTime, time);
-}
-
-void tav_date_free (TavDate *date)
-{
-    g_return_if_fail (date != NULL);
-    g_slice_free (TavDate, date);
-}
-
-void tav_timestamp_free (TavTimestamp *timestamp)
-{
-    g_return_if_fail (timestamp != NULL);
-    g_slice_free (TavTimestamp, timestamp);
-}
-
-void tav_date_interval_free (TavDateInterval *interval)
-{
-    g_return_if_fail (interval != NULL);
-    g_slice_free (TavDateInterval, interval);
-}
-
-void tav_time_interval_free (TavTimeInterval *interval)
-{
-    g_return_if_fail (interval != NULL);
-    g_slice_free (TavTimeInterval, interval);
-}
+#undef TAV_DEFINE_COPY_AND_FREE
 
 /* Clock ------------------------------------------------------------------- */
 
