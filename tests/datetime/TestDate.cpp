@@ -29,7 +29,6 @@ TEST (DateValues, BoxedTypesCopyEveryField)
     };
     for (const auto &row : rows) {
         SCOPED_TRACE (row.name);
-        EXPECT_TRUE (G_TYPE_IS_BOXED (row.type));
         EXPECT_EQ (g_type_from_name (row.name), row.type);
         GValue value = G_VALUE_INIT;
         g_value_init (&value, row.type);
@@ -129,6 +128,8 @@ TEST (DateValues, CompareUsesTheFirstDifferingField)
         { { 2009, 0, 1 }, { 2009, 0, 1 }, 0 }, { { 2009, 11, 31 }, { 2010, 0, 1 }, -1 },
         { { 2012, 0, 1 }, { 2009, 11, 31 }, 3 }, { { 2009, 1, 1 }, { 2009, 4, 1 }, -3 },
         { { 2009, 4, 30 }, { 2009, 4, 2 }, 28 },
+        /* Differences beyond the int range saturate. */
+        { { G_MAXINT, 0, 1 }, { G_MININT, 0, 1 }, G_MAXINT }, { { G_MININT, 0, 1 }, { G_MAXINT, 0, 1 }, G_MININT },
     };
     for (const auto &row : rows) {
         SCOPED_TRACE (str (row.a) + " vs " + str (row.b));
@@ -137,6 +138,7 @@ TEST (DateValues, CompareUsesTheFirstDifferingField)
 
     struct { TavTime a, b; int sign; } trows[] = {
         { { 9, 5 }, { 9, 5 }, 0 }, { { 9, 59 }, { 10, 0 }, -1 }, { { 23, 0 }, { 9, 30 }, 1 }, { { 9, 6 }, { 9, 5 }, 1 },
+        { { G_MAXINT, 0 }, { G_MININT, 0 }, 1 },
     };
     for (const auto &row : trows) {
         SCOPED_TRACE (str (row.a) + " vs " + str (row.b));
@@ -157,6 +159,7 @@ TEST (DateValues, ValidityAndTheDateLimit)
         { { 2000, 1, 29 }, true, false },   { { 4, 1, 29 }, false, false },     { { 8, 1, 29 }, true, false },
         { { 2037, 11, 31 }, true, true },   { { 2037, 11, 30 }, true, false },  { { 2038, 0, 1 }, true, false },
         { { 2036, 11, 31 }, true, false },  { { 2037, 10, 31 }, false, false },
+        { { G_MAXINT, G_MAXINT, G_MAXINT }, false, false }, { { G_MININT, G_MININT, G_MININT }, false, false },
     };
     for (const auto &row : rows) {
         SCOPED_TRACE (str (row.date));
@@ -271,21 +274,16 @@ TEST (DateValues, LocalisedFormsReadAsEnglishInTheCLocale)
     }
 }
 
-namespace {
-std::string s_printed;
-void collect_print (const char *text) { s_printed += text; }
-} // namespace
-
 TEST (DateValues, DebugPrintsUseTheRawMonth)
 {
-    s_printed.clear ();
-    GPrintFunc old = g_set_print_handler (collect_print);
-    TavDate date = { 2009, 0, 7 };
-    TavDateInterval interval = { { 2009, 11, 31 }, { 2010, 0, 1 } };
+    static std::string printed;
+    GPrintFunc old = g_set_print_handler ([] (const char *text) { printed += text; });
+    const TavDate date = { 2009, 0, 7 };
+    const TavDateInterval interval = { { 2009, 11, 31 }, { 2010, 0, 1 } };
     tav_date_print_debug (&date);
     tav_date_interval_print_debug (&interval);
     g_set_print_handler (old);
-    EXPECT_EQ (s_printed, "2009.0.7\n2009.11.31 -- 2010.0.1\n");
+    EXPECT_EQ (printed, "2009.0.7\n2009.11.31 -- 2010.0.1\n");
 }
 
 TEST (DateValues, MonthDecWrapsTheYearAndKeepsTheDay)
@@ -314,6 +312,8 @@ TEST (DateValues, AlarmMustStillLieInTheFuture)
         { "past event", 2008, 2, 5, 12, 0, 0, false },
         { "huge alarm offset", 2037, 11, 31, 23, 59, G_MAXINT, false },
         { "negative offset", 2009, 2, 5, 11, 59, -2, true },
+        { "lowest offset", 2037, 11, 31, 23, 59, G_MININT, true },
+        { "lowest year", G_MININT, 0, 1, 0, 0, 0, false },
     };
     for (const auto &row : rows) {
         SCOPED_TRACE (row.label);
@@ -326,13 +326,6 @@ TEST (DateValues, AlarmMustStillLieInTheFuture)
 TEST (DateValues, FieldsAtTheEndsOfTheIntRangeGiveDefinedResults)
 {
     const TavDate hi = { G_MAXINT, G_MAXINT, G_MAXINT }, lo = { G_MININT, G_MININT, G_MININT };
-    EXPECT_GT (tav_date_compare (&hi, &lo), 0);
-    EXPECT_LT (tav_date_compare (&lo, &hi), 0);
-    const TavTime thi = { G_MAXINT, 0 }, tlo = { G_MININT, 0 };
-    EXPECT_GT (tav_time_compare (&thi, &tlo), 0);
-    EXPECT_FALSE (tav_date_is_valid (&hi));
-    EXPECT_FALSE (tav_date_is_valid (&lo));
-    EXPECT_FALSE (is_date_limit_reached (&hi));
 
     EXPECT_EQ (take (tav_date_to_string (&hi)), "2147483647.-2147483648.2147483647");
     TavDate d = { G_MININT, 0, 1 };
@@ -343,10 +336,6 @@ TEST (DateValues, FieldsAtTheEndsOfTheIntRangeGiveDefinedResults)
     tav_date_to_tm (&tm, &lo);
     tav_tm_to_date (&d, &tm);
     EXPECT_EQ (d.year, G_MININT);
-
-    EXPECT_FALSE (tav_check_date_time_validity_for_alarm_interval (G_MININT, 0, 1, 0, 0, 0));
-    EXPECT_FALSE (tav_check_date_time_validity_for_alarm_interval (2037, 11, 31, 23, 59, G_MAXINT));
-    EXPECT_TRUE (tav_check_date_time_validity_for_alarm_interval (2037, 11, 31, 23, 59, G_MININT));
 
     const TavTime odd = { G_MAXINT, G_MININT };
     g_free (tav_time_to_string (&odd));
