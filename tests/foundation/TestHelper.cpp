@@ -118,13 +118,10 @@ TEST (ErrorString, EachCodeGivesItsEnglishMessage)
 {
     struct Row { CalendarUiErrorCode code; const char *domain, *msgid; } rows[] = {
         { CalendarDiskFullError, "devwatch", "cerm_device_memory_full" },
-        { CalendarInvalidIcsComponent, "calendar", "cal_ni_ical_invalid" },
-        { CalendarImportIncomplete, "calendar", "cal_ni_ical_invalid" },
-        { CalendarInvalidIcsFile, "calendar", "cal_ni_ical_invalid" },
-        { CalendarAlreadyExists, "calendar", "cal_ib_title_exists" },
+        { CalendarInvalidIcsComponent, "calendar", "cal_ni_ical_invalid" }, { CalendarImportIncomplete, "calendar", "cal_ni_ical_invalid" },
+        { CalendarInvalidIcsFile, "calendar", "cal_ni_ical_invalid" }, { CalendarAlreadyExists, "calendar", "cal_ib_title_exists" },
         /* Every other code, and values outside the enumeration. */
-        { CalendarNoError, "calendar", "cal_ni_internal_error" },
-        { (CalendarUiErrorCode) 99, "calendar", "cal_ni_internal_error" },
+        { CalendarNoError, "calendar", "cal_ni_internal_error" }, { (CalendarUiErrorCode) 99, "calendar", "cal_ni_internal_error" },
     };
     for (const auto &row : rows) {
         LogCapture capture;
@@ -251,6 +248,7 @@ TEST (ThemeParser, StringArrayTakesQuotedStrings)
         GValue value = G_VALUE_INIT;
         g_value_init (&value, G_TYPE_VALUE_ARRAY);
         EXPECT_TRUE (string_array_property_parser (nullptr, text, &value));
+        g_string_free (text, TRUE);
         auto *array = static_cast<GValueArray *> (g_value_get_boxed (&value));
         ASSERT_NE (array, nullptr);
         std::vector<std::string> got;
@@ -258,7 +256,6 @@ TEST (ThemeParser, StringArrayTakesQuotedStrings)
             got.push_back (g_value_get_string (g_value_array_get_nth (array, i)));
         EXPECT_EQ (got, row.expected) << row.label;
         g_value_unset (&value);
-        g_string_free (text, TRUE);
     }
 }
 

@@ -109,22 +109,19 @@ TEST (ColorIcons, FileChosenBySize)
     const std::string root = dir.path () + "/";
     for (const char *sub : { "48x48/kivo", "64x64/kivo", "scalable/kivo" })
         g_mkdir_with_parents ((root + sub).c_str (), 0755);
-    write_png (root + "48x48/kivo/calendar_colors_green.png", 48, 48, 0x110000ff, 0x110000ff);
-    write_png (root + "64x64/kivo/calendar_colors_green.png", 64, 64, 0x220000ff, 0x220000ff);
-    write_png (root + "scalable/kivo/calendar_colors_allday_green.png", 102, 48, 0x330000ff, 0x330000ff);
-    write_png (root + "48x48/kivo/calendar_colors_red.png", 48, 48, 0x440000ff, 0x440000ff);
-
+    struct { const char *file; int width, height; guint32 colour; } files[] = {
+        { "48x48/kivo/calendar_colors_green.png", 48, 48, 0x110000ff }, { "64x64/kivo/calendar_colors_green.png", 64, 64, 0x220000ff },
+        { "scalable/kivo/calendar_colors_allday_green.png", 102, 48, 0x330000ff }, { "48x48/kivo/calendar_colors_red.png", 48, 48, 0x440000ff },
+    };
+    for (const auto &f : files)
+        write_png (root + f.file, f.width, f.height, f.colour, f.colour);
     const char *saved = g_getenv ("TAV_CALENDAR_ICON_DIR");
     std::string saved_value = saved ? saved : "";
     g_setenv ("TAV_CALENDAR_ICON_DIR", root.c_str (), TRUE);
 
     struct Row { TavCalendarColor color; int width, height, marker; } rows[] = {
-        { TavCalendarColorGreen, 40, 40, 0x11 },
-        { TavCalendarColorGreen, 48, 48, 0x11 },
-        { TavCalendarColorGreen, 102, 48, 0x33 },
-        { TavCalendarColorGreen, 102, 40, 0x22 },
-        { TavCalendarColorGreen, 64, 64, 0x22 },
-        { TavCalendarColorGreen, 49, 10, 0x22 },
+        { TavCalendarColorGreen, 40, 40, 0x11 }, { TavCalendarColorGreen, 48, 48, 0x11 }, { TavCalendarColorGreen, 102, 48, 0x33 },
+        { TavCalendarColorGreen, 102, 40, 0x22 }, { TavCalendarColorGreen, 64, 64, 0x22 }, { TavCalendarColorGreen, 49, 10, 0x22 },
         { (TavCalendarColor) 42, 16, 16, 0x44 }, /* out of range: red */
     };
     for (const auto &row : rows) {

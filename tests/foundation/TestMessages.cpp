@@ -17,12 +17,10 @@ namespace {
 
 const char *domain_of (const std::string &id)
 {
-    if (id.rfind ("cal_", 0) == 0)
-        return TAV_DOMAIN_CALENDAR;
-    if (id.rfind ("wdgt_", 0) == 0)
-        return TAV_DOMAIN_KIVO_LIBS;
-    if (id.rfind ("ckdg_", 0) == 0)
-        return TAV_DOMAIN_COMMON_STRINGS;
+    for (auto [prefix, domain] : { std::pair { "cal_", TAV_DOMAIN_CALENDAR }, { "wdgt_", TAV_DOMAIN_KIVO_LIBS },
+                                   { "ckdg_", TAV_DOMAIN_COMMON_STRINGS } })
+        if (id.rfind (prefix, 0) == 0)
+            return domain;
     return TAV_DOMAIN_DEVWATCH;
 }
 
@@ -33,15 +31,11 @@ std::set<std::string> ids_used_in_sources ()
     std::set<std::string> ids;
     for (const char *top : { "src", "host" }) {
         fs::path root = fs::path (TAV_SOURCE_ROOT) / top;
-        if (!fs::exists (root))
-            continue;
-        for (const auto &entry : fs::recursive_directory_iterator (root)) {
+        for (const auto &entry : fs::exists (root) ? fs::recursive_directory_iterator (root) : fs::recursive_directory_iterator ()) {
             auto ext = entry.path ().extension ();
-            if (ext != ".cpp" && ext != ".h" && ext != ".c")
-                continue;
-            std::ifstream in (entry.path ());
             std::stringstream text;
-            text << in.rdbuf ();
+            if (ext == ".cpp" || ext == ".h" || ext == ".c")
+                text << std::ifstream (entry.path ()).rdbuf ();
             std::string s = text.str ();
             for (std::sregex_iterator it (s.begin (), s.end (), id_literal), end; it != end; ++it)
                 ids.insert ((*it)[1]);
