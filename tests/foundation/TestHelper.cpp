@@ -37,26 +37,16 @@ std::string capture_stdout (const std::function<void ()> &body)
     return text;
 }
 
-/* Points the log marker at @path and makes the channel be decided again. */
-class LogChannel : public ::testing::Test {
-protected:
-    void TearDown () override
-    {
-        g_setenv ("TAV_CALENDAR_LOG_MARKER", "/nonexistent/tav-calendar-logui", TRUE);
-        tav_log_reset_channel_for_testing ();
-    }
-    void use_marker (const std::string &path)
-    {
-        g_setenv ("TAV_CALENDAR_LOG_MARKER", path.c_str (), TRUE);
-        tav_log_reset_channel_for_testing ();
-    }
-};
-
 } // namespace
 
 /* The terminal without the marker file, syslog with it; decided once. */
-TEST_F (LogChannel, MarkerFileChoosesSyslogOnce)
+TEST (LogChannel, MarkerFileChoosesSyslogOnce)
 {
+    /* Points the log marker at @path and makes the channel be decided again. */
+    auto use_marker = [] (const std::string &path) {
+        g_setenv ("TAV_CALENDAR_LOG_MARKER", path.c_str (), TRUE);
+        tav_log_reset_channel_for_testing ();
+    };
     use_marker ("/nonexistent/logui");
     EXPECT_EQ (loggingPath (), 1);
     EXPECT_FALSE (tav_message_use_syslog ());
@@ -69,9 +59,9 @@ TEST_F (LogChannel, MarkerFileChoosesSyslogOnce)
     EXPECT_EQ (unlink (marker.c_str ()), 0);
     EXPECT_EQ (loggingPath (), 2);
     EXPECT_TRUE (tav_message_use_syslog ());
-
     /* A line on the syslog channel prints nothing on the terminal. */
     std::string out = capture_stdout ([] { TAV_MESSAGE ("to syslog %d", 1); });
+    use_marker ("/nonexistent/tav-calendar-logui");
     EXPECT_EQ (out, "");
 }
 
