@@ -60,8 +60,8 @@ TEST (Colors, ToStringAndBack)
         EXPECT_STREQ (tav_calendar_color_to_string ((TavCalendarColor) i), names[i]);
         EXPECT_EQ (tav_calendar_color_from_string (names[i]), i) << names[i];
     }
-    EXPECT_EQ (tav_calendar_color_to_string ((TavCalendarColor) 10), nullptr);
-    EXPECT_EQ (tav_calendar_color_to_string ((TavCalendarColor) -1), nullptr);
+    for (int outside : { 10, -1 })
+        EXPECT_EQ (tav_calendar_color_to_string ((TavCalendarColor) outside), nullptr);
     /* Case is ignored; anything else reads as red. */
     EXPECT_EQ (tav_calendar_color_from_string ("DARKBLUE"), TavCalendarColorDarkBlue);
     for (const char *other : { "purple", "", static_cast<const char *> (nullptr) })
