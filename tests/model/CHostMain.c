@@ -7,14 +7,8 @@
 
 #include "CDerivedSource.h"
 
-#define CHECK(cond)                                                  \
-    do {                                                             \
-        if (!(cond)) {                                               \
-            fprintf (stderr, "%s:%d: check failed: %s\n", __FILE__, \
-                     __LINE__, #cond);                               \
-            return 1;                                                \
-        }                                                            \
-    } while (0)
+#define CHECK(cond) \
+    do { if (!(cond)) { fprintf (stderr, "%s:%d: check failed: %s\n", __FILE__, __LINE__, #cond); return 1; } } while (0)
 
 int main (void)
 {
