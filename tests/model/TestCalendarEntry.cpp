@@ -487,31 +487,26 @@ TEST (CalendarEntry, ObjectsAreFinalizedWhenTheLastReferenceGoes)
 TEST (CalendarEntry, InternalReadsAgreeWithTheProperties)
 {
     MemorySourcePtr source (tav_memory_source_new ("Work", TavCalendarColorYellow, CalendarSourceTypeLocal));
-    struct Row {
-        const char *label;
-        TavTimestamp start, end;
-        bool with_source;
-    } rows[] = {
-        { "one hour", at (2009, 2, 5, 9, 5), at (2009, 2, 5, 10, 5), true },
-        { "over midnight", at (2009, 11, 31, 23, 30), at (2010, 0, 1, 0, 30), false },
-        { "first of 1970", at (1970, 0, 1, 0, 0), at (1970, 0, 1, 0, 0), true },
+    /* Within a day with a source, over midnight without, the first of 1970 with. */
+    const std::pair<TavTimestamp, TavTimestamp> spans[] = {
+        { at (2009, 2, 5, 9, 5), at (2009, 2, 5, 10, 5) },
+        { at (2009, 11, 31, 23, 30), at (2010, 0, 1, 0, 30) },
+        { at (1970, 0, 1, 0, 0), at (1970, 0, 1, 0, 0) },
     };
-    for (const auto &row : rows) {
-        SCOPED_TRACE (row.label);
-        auto entry = adoptGRef (tav_calendar_entry_new ());
-        g_object_set (entry.get (), "start-timestamp", &row.start, "end-date", &row.end.date, "end-time",
-                      &row.end.time, nullptr);
-        if (row.with_source)
+    for (size_t i = 0; i < G_N_ELEMENTS (spans); ++i) {
+        SCOPED_TRACE (i);
+        auto entry = adoptGRef (TAV_CALENDAR_ENTRY (g_object_new (TAV_TYPE_CALENDAR_ENTRY, "start-timestamp",
+            &spans[i].first, "end-date", &spans[i].second.date, "end-time", &spans[i].second.time, nullptr)));
+        if (i != 1)
             tav_memory_source_add (source.get (), entry.get ());
         auto span = tav::model::entry_span (entry.get ());
         EXPECT_EQ (to_text (span.start), get_text (entry.get (), "start-timestamp"));
         EXPECT_EQ (to_text (span.end), get_text (entry.get (), "end-date") + " " + get_text (entry.get (), "end-time"));
         EXPECT_EQ (tav::model::entry_color (entry.get ()), get_int (entry.get (), "color"));
-        EXPECT_EQ (tav::model::entry_source (entry.get ()) != nullptr, row.with_source);
+        EXPECT_EQ (tav::model::entry_source (entry.get ()) != nullptr, i != 1);
         const char *id = tav::model::entry_num_id (entry.get ());
         EXPECT_EQ (std::string (id ? id : "(null)"), get_string (entry.get (), "num-id"));
-        if (row.with_source)
-            tav_memory_source_remove (source.get (), entry.get ());
+        tav_memory_source_remove (source.get (), entry.get ());
     }
 }
 

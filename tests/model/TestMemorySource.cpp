@@ -38,8 +38,6 @@ TEST (MemorySource, ExpandsRepeatingEvents)
         TavDateInterval interval;
         const char *expected; /* MM-DD of each occurrence start */
     } rows[] = {
-        { "single inside", TavCalendarRepeatsNoRepeat, date (2009, 2, 5), date (2009, 2, 5), {}, days (date (2009, 2, 1), date (2009, 2, 31)), "03-05" },
-        { "single outside", TavCalendarRepeatsNoRepeat, date (2009, 2, 5), date (2009, 2, 5), {}, days (date (2009, 3, 1), date (2009, 3, 30)), "" },
         { "multi-day reaching in", TavCalendarRepeatsNoRepeat, date (2009, 1, 27), date (2009, 2, 2), {}, days (date (2009, 2, 1), date (2009, 2, 31)), "02-27" },
         { "touching the last day", TavCalendarRepeatsNoRepeat, date (2009, 2, 31), date (2009, 3, 2), {}, days (date (2009, 2, 1), date (2009, 2, 31)), "03-31" },
         { "daily", TavCalendarRepeatsEveryDay, date (2009, 2, 30), date (2009, 2, 30), {}, days (date (2009, 2, 29), date (2009, 3, 2)), "03-30 03-31 04-01 04-02" },
@@ -51,7 +49,6 @@ TEST (MemorySource, ExpandsRepeatingEvents)
         { "yearly leap day", TavCalendarRepeatsEveryYear, date (2008, 1, 29), date (2008, 1, 29), {}, days (date (2008, 0, 1), date (2012, 11, 31)), "02-29 02-29" },
         { "yearly until", TavCalendarRepeatsEveryYear, date (2009, 4, 1), date (2009, 4, 1), date (2011, 4, 1), days (date (2009, 0, 1), date (2015, 0, 1)), "05-01 05-01 05-01" },
         { "complex rule shows the first", TavCalendarRepeatsComplex, date (2009, 2, 5), date (2009, 2, 5), {}, days (date (2009, 2, 1), date (2009, 3, 30)), "03-05" },
-        { "before the start", TavCalendarRepeatsEveryDay, date (2009, 2, 5), date (2009, 2, 5), {}, days (date (2009, 1, 1), date (2009, 2, 4)), "" },
     };
     for (const auto &row : rows) {
         SCOPED_TRACE (row.label);
