@@ -62,7 +62,7 @@ TEST (CalendarEntry, PropertiesCarryTheirNamesTextsTypesAndRanges)
     });
 }
 
-TEST (CalendarEntry, FreshEntryStartsNowWithAZeroedRecord)
+TEST (CalendarEntry, FreshEntryStartsNowWithAZeroedRecordAndLazyValues)
 {
     time_t before = time (nullptr);
     auto entry = adoptGRef (tav_calendar_entry_new ());
@@ -85,16 +85,13 @@ TEST (CalendarEntry, FreshEntryStartsNowWithAZeroedRecord)
     EXPECT_EQ (get_string (entry.get (), "title"), "(null)");
     EXPECT_EQ (get_int (entry.get (), "color"), TavCalendarColorDarkBlue);
     EXPECT_EQ (get_text (entry.get (), "modification-date"), "0000-01-00");
-}
 
-TEST (CalendarEntry, LazyValuesAreCreatedOnFirstRead)
-{
-    auto entry = adoptGRef (tav_calendar_entry_new ());
+    /* Values made on first read: the alarm time and the repetition end,
+     * which once read is stored and no longer follows the end date. */
     TavDate end = date (2009, 4, 20), later = date (2009, 5, 1);
     g_object_set (entry.get (), "end-date", &end, nullptr);
     EXPECT_EQ (get_text (entry.get (), "alarm-time"), "12:00");
     EXPECT_EQ (get_text (entry.get (), "end-repetition-date"), "2009-05-20");
-    /* Once read, the repetition date is stored: moving the end keeps it. */
     g_object_set (entry.get (), "end-date", &later, nullptr);
     EXPECT_EQ (get_text (entry.get (), "end-repetition-date"), "2009-05-20");
 }
@@ -126,13 +123,9 @@ TEST (CalendarEntry, DateAndTimePropertiesAgree)
     g_object_set (entry.get (), "repeat-code", TavCalendarRepeatsEveryWeek, "alarm-code", TavCalendarAlarm5Min, nullptr);
     EXPECT_TRUE (get_bool (entry.get (), "has-repeat"));
     EXPECT_TRUE (get_bool (entry.get (), "has-alarm"));
-}
 
-TEST (CalendarEntry, WeekdayReadDoesNotMoveTheClockTime)
-{
-    auto entry = adoptGRef (tav_calendar_entry_new ());
+    /* 31 February 2010 normalises to 3 March, a Wednesday; the read keeps the clock time. */
     g_object_set (entry.get (), "start-year", 2010, "start-month", 1, "start-day", 31, "start-hour", 10, nullptr);
-    /* 31 February normalises to 3 March 2010, a Wednesday. */
     EXPECT_EQ (get_int (entry.get (), "start-week-day"), 3);
     EXPECT_EQ (get_text (entry.get (), "start-date"), "2010-03-03");
     EXPECT_EQ (get_int (entry.get (), "start-hour"), 10);
@@ -140,13 +133,8 @@ TEST (CalendarEntry, WeekdayReadDoesNotMoveTheClockTime)
 
 TEST (CalendarEntry, InvalidUtf8InTitleAndDescriptionIsRepaired)
 {
-    struct Row {
-        const char *label;
-        const char *property;
-        std::string input;
-        std::string stored;
-        const char *warning; /* nullptr: none */
-    } rows[] = {
+    /* warning: nullptr for none */
+    struct Row { const char *label, *property; std::string input, stored; const char *warning; } rows[] = {
         { "stray byte in title", "title", "A\xFF" "B", "A?B", "Invalid UTF-8 string received for title." },
         { "valid title", "title", "Caf\xC3\xA9", "Caf\xC3\xA9", nullptr },
         { "overlong lead", "title", "\xC0\x80x", "??x", "Invalid UTF-8 string received for title." },
@@ -228,12 +216,8 @@ TEST_F (EntryWithSource, WritesThatMoveTheEventDropTheCache)
     TavDate day = date (2009, 2, 2), until = date (2009, 2, 20);
     TavTime ten = hm (10, 0), eleven = hm (11, 0), eight = hm (8, 0);
     TavTimestamp start = at (2009, 2, 2, 10, 0);
-    struct Row {
-        const char *property;
-        int value;            /* for ints, enums and booleans */
-        const void *pointer;  /* for texts and boxed values */
-        bool dropped;
-    } rows[] = {
+    /* value: for ints, enums and booleans; pointer: for texts and boxed values */
+    struct Row { const char *property; int value; const void *pointer; bool dropped; } rows[] = {
         { "start-hour", 11, nullptr, true },
         { "start-minute", 30, nullptr, true },
         { "start-year", 2009, nullptr, true },
@@ -340,11 +324,7 @@ TEST (CalendarEntry, EqualityIsByIdWithinSources)
     const GType E = TAV_TYPE_CALENDAR_ENTRY, T = TAV_TYPE_CALENDAR_TASK;
     auto *w = work.get ();
     auto same = make (E, "AB1", w);
-    struct Row {
-        const char *label;
-        GRefPtr<TavCalendarEntry> a, b;
-        gboolean equal;
-    } rows[] = {
+    struct Row { const char *label; GRefPtr<TavCalendarEntry> a, b; gboolean equal; } rows[] = {
         { "same object", same, same, TRUE },
         { "IDs differing in case", make (E, "AB1", w), make (E, "ab1", w), TRUE },
         { "different IDs", make (E, "AB1", w), make (E, "AB2", w), FALSE },

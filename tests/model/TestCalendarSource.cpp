@@ -68,10 +68,7 @@ TEST (CalendarSource, TypeTitleAndSynchronizedFollowTheType)
 
 TEST (CalendarSource, VisibleAndWritableCombine)
 {
-    struct Row {
-        gboolean visible, read_only;
-        gboolean writable, visible_and_writable;
-    } rows[] = {
+    struct Row { gboolean visible, read_only, writable, visible_and_writable; } rows[] = {
         { TRUE, FALSE, TRUE, TRUE },
         { TRUE, TRUE, FALSE, FALSE },
         { FALSE, FALSE, TRUE, FALSE },
@@ -94,11 +91,7 @@ TEST (CalendarSource, EqualityByIdOrTitle)
                                                              nullptr)));
     };
     auto one = make (-1, nullptr);
-    struct Row {
-        const char *label;
-        GRefPtr<TavCalendarSource> a, b;
-        gboolean equal;
-    } rows[] = {
+    struct Row { const char *label; GRefPtr<TavCalendarSource> a, b; gboolean equal; } rows[] = {
         { "same object without title", one, one, TRUE },
         { "no IDs, same title", make (-1, "Work"), make (-1, "Work"), TRUE },
         { "no IDs, other title", make (-1, "Work"), make (-1, "Home"), FALSE },
@@ -122,11 +115,7 @@ const TavDateInterval kJanuary = { { 2009, 0, 1 }, { 2009, 0, 31 } };
 
 class Wrappers : public ::testing::Test {
 protected:
-    struct Row {
-        const char *slot;
-        std::function<int (TavCalendarSource *)> call;
-        int fallback;
-    };
+    struct Row { const char *slot; std::function<int (TavCalendarSource *)> call; int fallback; };
     /* One row per data slot, in the order of TavMemorySlot. */
     std::vector<Row> rows ()
     {

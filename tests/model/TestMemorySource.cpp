@@ -30,14 +30,9 @@ std::string expand_text (TavCalendarEntry *entry, const TavDateInterval &interva
 
 TEST (MemorySource, ExpandsRepeatingEvents)
 {
-    struct Row {
-        const char *label;
-        TavCalendarRepeatCode repeat;
-        TavDate start, end;
-        TavDate until; /* year 0: not set */
-        TavDateInterval interval;
-        const char *expected; /* MM-DD of each occurrence start */
-    } rows[] = {
+    /* until: year 0 when not set; expected: MM-DD of each occurrence start */
+    struct Row { const char *label; TavCalendarRepeatCode repeat; TavDate start, end, until; TavDateInterval interval;
+                 const char *expected; } rows[] = {
         { "multi-day reaching in", TavCalendarRepeatsNoRepeat, date (2009, 1, 27), date (2009, 2, 2), {}, days (date (2009, 2, 1), date (2009, 2, 31)), "02-27" },
         { "touching the last day", TavCalendarRepeatsNoRepeat, date (2009, 2, 31), date (2009, 3, 2), {}, days (date (2009, 2, 1), date (2009, 2, 31)), "03-31" },
         { "daily", TavCalendarRepeatsEveryDay, date (2009, 2, 30), date (2009, 2, 30), {}, days (date (2009, 2, 29), date (2009, 3, 2)), "03-30 03-31 04-01 04-02" },
