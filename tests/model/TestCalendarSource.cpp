@@ -6,7 +6,6 @@
 #include <string>
 #include <vector>
 
-#include "CDerivedSource.h"
 #include "ModelTestUtil.h"
 #include "TavMemorySource.h"
 #include "TestSupport.h"
@@ -268,34 +267,6 @@ TEST_F (Wrappers, CreateWrappersStampSourceAndColourEvenOnFailure)
         tav_memory_source_remove (memory.get (), row.object);
         g_object_set (s, "color", TavCalendarColorOrange, nullptr);
     }
-}
-
-/* A source derived in C ----------------------------------------------------------- */
-
-TEST (CDerivedSource, SlotsFilledInCAreCalledAndEmptyOnesReported)
-{
-    auto source = adoptGRef (c_derived_source_new ("From C"));
-    auto entry = adoptGRef (tav_calendar_entry_new ());
-    LogCapture capture;
-    EXPECT_EQ (tav_calendar_source_create_entry (source.get (), entry.get ()), CalendarNoError);
-    EXPECT_EQ (get_string (entry.get (), "num-id"), "c-1");
-    EXPECT_EQ (get_int (entry.get (), "color"), TavCalendarColorViolet);
-    EXPECT_EQ (tav_calendar_source_get_event_count (source.get ()), 1);
-    EXPECT_TRUE (capture.has_warning ("retval is 11"));
-    EXPECT_EQ (tav_calendar_source_save_entry (source.get (), entry.get ()), CalendarDefaultError);
-    EXPECT_TRUE (capture.has_warning ("The 'save_entry' method is not implemented."));
-
-    /* A list returned only through the out argument is kept by the entry. */
-    TavDateInterval three = days (date (2009, 5, 10), date (2009, 5, 12));
-    std::string seen;
-    for (int pass = 0; pass < 2; ++pass) {
-        for (auto *ts = tav_calendar_entry_get_first_instance_timestamp (entry.get (), &three); ts;
-             ts = tav_calendar_entry_get_next_instance_timestamp (entry.get ()))
-            seen += to_text (*ts) + ";";
-        seen += "|";
-    }
-    EXPECT_EQ (seen, "2009-06-10 07:30;2009-06-11 07:30;2009-06-12 07:30;|"
-                     "2009-06-10 07:30;2009-06-11 07:30;2009-06-12 07:30;|");
 }
 
 } // namespace
