@@ -203,27 +203,6 @@ TEST (MemorySource, StoresCountsAndExports)
     EXPECT_EQ (tav_memory_source_calls (source.get (), TAV_MEMORY_SLOT_CREATE_ENTRY), 0u);
 }
 
-TEST (MemorySource, FailingSlotsLeaveTheStoreAlone)
-{
-    MemorySourcePtr source (tav_memory_source_new ("Home", TavCalendarColorBlue, CalendarSourceTypeLocal));
-    auto *s = TAV_CALENDAR_SOURCE (source.get ());
-    TavTimestamp start = at (2009, 2, 5, 10, 0);
-    TavCalendarEntry *event = tav_memory_source_add_event (source.get (), "Stays", &start, &start);
-
-    for (int slot = 0; slot < TAV_MEMORY_N_SLOTS; ++slot)
-        tav_memory_source_fail (source.get (), TavMemorySlot (slot), CalendarDiskFullError);
-    EXPECT_EQ (tav_calendar_source_remove_contents (s), CalendarDiskFullError);
-    EXPECT_EQ (tav_calendar_source_delete_entry (s, event), CalendarDiskFullError);
-    EXPECT_EQ (tav_calendar_source_get_event_count (s), -1);
-    EXPECT_FALSE (tav_calendar_source_exists_by_name (s));
-    GList *list = nullptr;
-    TavDateInterval january = days (date (2009, 0, 1), date (2009, 0, 31));
-    EXPECT_FALSE (tav_calendar_source_get_instances (s, event, &january, &list));
-    EXPECT_EQ (list, nullptr);
-    EXPECT_EQ (tav_memory_source_size (source.get ()), 1u);
-    EXPECT_EQ (tav_memory_source_calls (source.get (), TAV_MEMORY_SLOT_DELETE_ENTRY), 1u);
-}
-
 TEST (MemorySource, ListsEventsTouchingAnInterval)
 {
     MemorySourcePtr source (tav_memory_source_new ("Home", TavCalendarColorBlue, CalendarSourceTypeLocal));
