@@ -218,10 +218,26 @@ void stamp_with_source (TavCalendarSource *source, TavCalendarEntry *entry)
     g_object_set (entry, "source", source, "color", color, nullptr);
 }
 
+/* Calls one of the create slots. When the host filled it, the new object
+ * carries the source and its colour whatever the store answered; with the
+ * slot empty nothing was stored, so there is nothing to stamp and the call
+ * only reports the missing method. */
+int create_and_stamp (const char *wrapper, TavCalendarSource *source,
+                      int (*TavCalendarSourceClass::*member) (TavCalendarSource *, TavCalendarEntry *),
+                      const char *name, TavCalendarEntry *entry)
+{
+    bool filled = TAV_CALENDAR_SOURCE_GET_CLASS (source)->*member != nullptr;
+    int retval = call_slot (wrapper, source, member, name, int (CalendarDefaultError), entry);
+    if (filled)
+        stamp_with_source (source, entry);
+    return retval;
+}
+
 } // namespace
 
 #define CALL_SLOT(slot, fallback, ...) \
     call_slot (__func__, source, &TavCalendarSourceClass::slot, #slot, fallback, ##__VA_ARGS__)
+#define CREATE_AND_STAMP(slot, entry) create_and_stamp (__func__, source, &TavCalendarSourceClass::slot, #slot, entry)
 
 /* Public API ----------------------------------------------------------------- */
 
@@ -301,14 +317,10 @@ tav_calendar_source_create_entry (TavCalendarSource *source, TavCalendarEntry *e
     g_return_val_if_fail (TAV_IS_CALENDAR_SOURCE(source), CalendarDefaultError);
     g_return_val_if_fail (TAV_IS_CALENDAR_ENTRY(entry), CalendarDefaultError);
 
-    /* With the slot empty nothing was stored, so there is nothing to stamp:
-     * the call only reports the missing method. */
-    if (!TAV_CALENDAR_SOURCE_GET_CLASS (source)->create_entry)
-        return CALL_SLOT (create_entry, int (CalendarDefaultError), entry);
-
-    int retval = CALL_SLOT (create_entry, int (CalendarDefaultError), entry);
-    stamp_with_source (source, entry);
-    TAV_WARNING ("retval is %d", retval);
+    int retval = CREATE_AND_STAMP (create_entry, entry);
+    /* Only a store that ran has a result worth logging. */
+    if (TAV_CALENDAR_SOURCE_GET_CLASS (source)->create_entry)
+        TAV_WARNING ("retval is %d", retval);
     return retval;
 }
 
@@ -336,13 +348,7 @@ tav_calendar_source_create_task (TavCalendarSource *source, TavCalendarTask *tas
     g_return_val_if_fail (TAV_IS_CALENDAR_SOURCE(source), CalendarDefaultError);
     g_return_val_if_fail (TAV_IS_CALENDAR_TASK(task), CalendarDefaultError);
 
-    TavCalendarEntry *entry = TAV_CALENDAR_ENTRY (task);
-    if (!TAV_CALENDAR_SOURCE_GET_CLASS (source)->create_task)
-        return CALL_SLOT (create_task, int (CalendarDefaultError), entry);
-
-    int retval = CALL_SLOT (create_task, int (CalendarDefaultError), entry);
-    stamp_with_source (source, entry);
-    return retval;
+    return CREATE_AND_STAMP (create_task, TAV_CALENDAR_ENTRY (task));
 }
 
 int
@@ -369,13 +375,7 @@ tav_calendar_source_create_note (TavCalendarSource *source, TavCalendarNote *not
     g_return_val_if_fail (TAV_IS_CALENDAR_SOURCE(source), CalendarDefaultError);
     g_return_val_if_fail (TAV_IS_CALENDAR_NOTE(note), CalendarDefaultError);
 
-    TavCalendarEntry *entry = TAV_CALENDAR_ENTRY (note);
-    if (!TAV_CALENDAR_SOURCE_GET_CLASS (source)->create_note)
-        return CALL_SLOT (create_note, int (CalendarDefaultError), entry);
-
-    int retval = CALL_SLOT (create_note, int (CalendarDefaultError), entry);
-    stamp_with_source (source, entry);
-    return retval;
+    return CREATE_AND_STAMP (create_note, TAV_CALENDAR_ENTRY (note));
 }
 
 int

@@ -73,16 +73,31 @@ tav::GCharPtr id_of (TavCalendarEntry *entry)
     return tav::GCharPtr (id);
 }
 
+/* TRUE when @item carries @id, ASCII case ignored. */
+bool has_id (TavCalendarEntry *item, const char *id)
+{
+    tav::GCharPtr other = id_of (item);
+    return id && other && g_ascii_strcasecmp (id, other.get ()) == 0;
+}
+
 /* Position of the stored object that is @entry or carries its ID. */
 std::vector<GRefPtr<TavCalendarEntry>>::iterator find_stored (TavMemorySourcePrivate *priv, TavCalendarEntry *entry)
 {
     tav::GCharPtr id = id_of (entry);
     return std::find_if (priv->items.begin (), priv->items.end (), [&] (const GRefPtr<TavCalendarEntry> &item) {
-        if (item.get () == entry)
-            return true;
-        tav::GCharPtr other = id_of (item.get ());
-        return id && other && g_ascii_strcasecmp (id.get (), other.get ()) == 0;
+        return item.get () == entry || has_id (item.get (), id.get ());
     });
+}
+
+/* Removes the stored object that is @entry or carries its ID; FALSE when
+ * there is none. */
+bool erase_stored (TavMemorySourcePrivate *priv, TavCalendarEntry *entry)
+{
+    auto it = find_stored (priv, entry);
+    if (it == priv->items.end ())
+        return false;
+    priv->items.erase (it);
+    return true;
 }
 
 void give_id (TavMemorySourcePrivate *priv, TavCalendarEntry *entry)
@@ -122,12 +137,7 @@ int forget (TavCalendarSource *source, TavMemorySlot slot, TavCalendarEntry *ent
 {
     if (enter (source, slot))
         return failure (source, slot);
-    TavMemorySourcePrivate *priv = priv_of (source);
-    auto it = find_stored (priv, entry);
-    if (it == priv->items.end ())
-        return CalendarInvalidArg;
-    priv->items.erase (it);
-    return CalendarNoError;
+    return erase_stored (priv_of (source), entry) ? CalendarNoError : CalendarInvalidArg;
 }
 
 GDate to_gdate (const TavDate &date)
@@ -137,6 +147,12 @@ GDate to_gdate (const TavDate &date)
     g_date_set_dmy (&g, static_cast<GDateDay> (date.day), static_cast<GDateMonth> (date.month + 1),
                     static_cast<GDateYear> (date.year));
     return g;
+}
+
+gint64 julian_of (const TavDate &date)
+{
+    GDate g = to_gdate (date);
+    return g_date_get_julian (&g);
 }
 
 TavDate from_julian (guint32 julian)
@@ -362,11 +378,7 @@ tav_memory_source_remove (TavMemorySource *source, TavCalendarEntry *entry)
     g_return_val_if_fail (TAV_IS_MEMORY_SOURCE (source), FALSE);
     g_return_val_if_fail (TAV_IS_CALENDAR_ENTRY (entry), FALSE);
 
-    auto it = find_stored (source->priv, entry);
-    if (it == source->priv->items.end ())
-        return FALSE;
-    source->priv->items.erase (it);
-    return TRUE;
+    return erase_stored (source->priv, entry);
 }
 
 TavCalendarEntry *
@@ -397,8 +409,7 @@ tav_memory_source_find (TavMemorySource *source, const char *num_id)
     g_return_val_if_fail (num_id != NULL, nullptr);
 
     for (const auto &item : source->priv->items) {
-        tav::GCharPtr id = id_of (item.get ());
-        if (id && g_ascii_strcasecmp (id.get (), num_id) == 0)
+        if (has_id (item.get (), num_id))
             return item.get ();
     }
     return nullptr;
@@ -459,46 +470,34 @@ tav_memory_source_expand (TavCalendarEntry *entry, const TavDateInterval *interv
 
     if (valid_for_gdate (*start) && valid_for_gdate (*end) && valid_for_gdate (interval->start)
         && valid_for_gdate (interval->end)) {
-        GDate first = to_gdate (*start);
-        guint32 s = g_date_get_julian (&first);
-        GDate last = to_gdate (*end);
-        guint32 duration = std::max<gint64> (0, gint64 (g_date_get_julian (&last)) - s);
-        GDate is_d = to_gdate (interval->start), ie_d = to_gdate (interval->end);
-        gint64 is = g_date_get_julian (&is_d), ie = g_date_get_julian (&ie_d);
+        guint32 s = julian_of (*start);
+        guint32 duration = std::max<gint64> (0, julian_of (*end) - s);
+        gint64 is = julian_of (interval->start), ie = julian_of (interval->end);
 
         /* An occurrence starting on day d touches the interval when
          * d <= ie and d + duration >= is. */
         gint64 lo = std::max<gint64> (s, is - duration);
         gint64 hi = ie;
         bool repeats = repeat != TavCalendarRepeatsNoRepeat && repeat != TavCalendarRepeatsComplex;
-        if (repeats && valid_for_gdate (*until)) {
-            GDate u = to_gdate (*until);
-            if (g_date_get_julian (&u) > s + duration)
-                hi = std::min<gint64> (hi, g_date_get_julian (&u));
-        }
+        if (repeats && valid_for_gdate (*until) && julian_of (*until) > s + duration)
+            hi = std::min<gint64> (hi, julian_of (*until));
         if (!repeats)
             hi = std::min<gint64> (hi, s);
 
         /* Step from one occurrence to the next instead of testing every
          * day, so a read of many years stays cheap. */
         std::vector<gint64> hits;
-        auto add_if_in = [&] (GDateYear y, int month0, int day) {
-            if (month0 < 0 || month0 > 11 || day < 1
-                || day > g_date_get_days_in_month (GDateMonth (month0 + 1), y))
+        auto add_if_in = [&] (int year, int month0, int day) {
+            TavDate date { year, month0, day };
+            if (!valid_for_gdate (date))
                 return;
-            GDate g;
-            g_date_clear (&g, 1);
-            g_date_set_dmy (&g, GDateDay (day), GDateMonth (month0 + 1), y);
-            gint64 j = g_date_get_julian (&g);
+            gint64 j = julian_of (date);
             if (j >= lo && j <= hi)
                 hits.push_back (j);
         };
         if (lo <= hi) {
-            GDate lo_d;
-            g_date_clear (&lo_d, 1);
-            g_date_set_julian (&lo_d, guint32 (lo));
-            GDateYear lo_year = g_date_get_year (&lo_d);
-            int lo_month = g_date_get_month (&lo_d) - 1;
+            TavDate lo_date = from_julian (guint32 (lo));
+            int lo_year = lo_date.year, lo_month = lo_date.month;
             switch (repeat) {
             case TavCalendarRepeatsEveryDay:
                 for (gint64 d = lo; d <= hi; ++d)
@@ -518,12 +517,9 @@ tav_memory_source_expand (TavCalendarEntry *entry, const TavDateInterval *interv
                 break;
             case TavCalendarRepeatsEveryMonth:
                 for (int y = lo_year, m = lo_month;;) {
-                    GDate first;
-                    g_date_clear (&first, 1);
-                    g_date_set_dmy (&first, 1, GDateMonth (m + 1), GDateYear (y));
-                    if (gint64 (g_date_get_julian (&first)) > hi)
+                    if (julian_of (TavDate { y, m, 1 }) > hi)
                         break;
-                    add_if_in (GDateYear (y), m, start->day);
+                    add_if_in (y, m, start->day);
                     if (++m == 12) {
                         m = 0;
                         ++y;
@@ -531,11 +527,8 @@ tav_memory_source_expand (TavCalendarEntry *entry, const TavDateInterval *interv
                 }
                 break;
             case TavCalendarRepeatsEveryYear:
-                for (GDateYear y = lo_year; y <= 9999; ++y) {
-                    GDate first;
-                    g_date_clear (&first, 1);
-                    g_date_set_dmy (&first, 1, G_DATE_JANUARY, y);
-                    if (gint64 (g_date_get_julian (&first)) > hi)
+                for (int y = lo_year; y <= 9999; ++y) {
+                    if (julian_of (TavDate { y, 0, 1 }) > hi)
                         break;
                     add_if_in (y, start->month, start->day);
                 }

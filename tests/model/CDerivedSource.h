@@ -10,7 +10,6 @@ G_BEGIN_DECLS
  * far) and get_instances (07:30 on every day of the interval, returned only
  * through the out list); every other slot is empty. */
 TavCalendarSource *c_derived_source_new (const char *title);
-int c_derived_source_created (TavCalendarSource *source);
 
 G_END_DECLS
 

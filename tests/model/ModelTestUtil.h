@@ -3,10 +3,14 @@
 #define TAV_MODEL_TEST_UTIL_H
 
 #include <calendarui.h>
+#include <gtest/gtest.h>
 
+#include <functional>
+#include <initializer_list>
 #include <string>
 
 #include "TavGPtr.h"
+#include "TestSupport.h"
 
 namespace tav::test {
 
@@ -20,61 +24,108 @@ inline TavDateInterval days (TavDate start, TavDate end) { return TavDateInterva
 
 inline std::string to_text (const TavDate &d)
 {
-    char buf[32];
-    g_snprintf (buf, sizeof buf, "%04d-%02d-%02d", d.year, d.month + 1, d.day);
-    return buf;
+    return tav::GCharPtr (g_strdup_printf ("%04d-%02d-%02d", d.year, d.month + 1, d.day)).get ();
 }
-
-inline std::string to_text (const TavTimestamp &ts)
+inline std::string to_text (const TavTime &t)
 {
-    char buf[48];
-    g_snprintf (buf, sizeof buf, "%04d-%02d-%02d %02d:%02d", ts.date.year, ts.date.month + 1, ts.date.day,
-                ts.time.hour, ts.time.minute);
-    return buf;
+    return tav::GCharPtr (g_strdup_printf ("%02d:%02d", t.hour, t.minute)).get ();
 }
+inline std::string to_text (const TavTimestamp &ts) { return to_text (ts.date) + " " + to_text (ts.time); }
 
-/* Reads an int property. */
+/* Reads an int, enum or boolean property. */
 inline int get_int (gpointer object, const char *name)
 {
     int v = 0;
     g_object_get (object, name, &v, nullptr);
     return v;
 }
-
-inline gboolean get_bool (gpointer object, const char *name)
-{
-    gboolean v = FALSE;
-    g_object_get (object, name, &v, nullptr);
-    return v;
-}
+inline gboolean get_bool (gpointer object, const char *name) { return get_int (object, name); }
 
 inline std::string get_string (gpointer object, const char *name)
 {
     char *v = nullptr;
     g_object_get (object, name, &v, nullptr);
-    std::string out = v ? v : "(null)";
-    g_free (v);
+    tav::GCharPtr hold (v);
+    return v ? v : "(null)";
+}
+
+/* Reads a boxed date, time or timestamp property as text ("(null)" when unset). */
+inline std::string get_text (gpointer object, const char *name)
+{
+    GValue value = G_VALUE_INIT;
+    g_value_init (&value, g_object_class_find_property (G_OBJECT_GET_CLASS (object), name)->value_type);
+    g_object_get_property (G_OBJECT (object), name, &value);
+    gpointer p = g_value_get_boxed (&value);
+    std::string out = !p ? "(null)"
+        : G_VALUE_HOLDS (&value, TAV_TYPE_DATE) ? to_text (*static_cast<TavDate *> (p))
+        : G_VALUE_HOLDS (&value, TAV_TYPE_TIME) ? to_text (*static_cast<TavTime *> (p))
+        : to_text (*static_cast<TavTimestamp *> (p));
+    g_value_unset (&value);
     return out;
 }
 
-inline TavDate get_date (gpointer object, const char *name)
+/* One installed property: its id, texts, type, writability and, for
+ * integers, booleans and enums, range and default. */
+struct PropertyRow {
+    const char *name;
+    guint id;
+    const char *nick;
+    const char *blurb;
+    GType type;
+    bool writable;
+    int min = 0, max = 0, def = 0;
+};
+
+/* Checks that @type installs exactly @rows. */
+inline void expect_properties (GType type, std::initializer_list<PropertyRow> rows)
 {
-    TavDate *d = nullptr;
-    g_object_get (object, name, &d, nullptr);
-    TavDate out = d ? *d : TavDate { -1, -1, -1 };
-    if (d)
-        tav_date_free (d);
-    return out;
+    auto *klass = static_cast<GObjectClass *> (g_type_class_ref (type));
+    guint n = 0;
+    g_free (g_object_class_list_properties (klass, &n));
+    EXPECT_EQ (n, rows.size ());
+    for (const auto &row : rows) {
+        SCOPED_TRACE (row.name);
+        GParamSpec *p = g_object_class_find_property (klass, row.name);
+        ASSERT_NE (p, nullptr);
+        EXPECT_EQ (p->param_id, row.id);
+        EXPECT_STREQ (g_param_spec_get_nick (p), row.nick);
+        EXPECT_STREQ (g_param_spec_get_blurb (p), row.blurb);
+        EXPECT_EQ (p->value_type, row.type);
+        EXPECT_TRUE (p->flags & G_PARAM_READABLE);
+        EXPECT_EQ (bool (p->flags & G_PARAM_WRITABLE), row.writable);
+        if (row.type == G_TYPE_INT) {
+            EXPECT_EQ (G_PARAM_SPEC_INT (p)->minimum, row.min);
+            EXPECT_EQ (G_PARAM_SPEC_INT (p)->maximum, row.max);
+            EXPECT_EQ (G_PARAM_SPEC_INT (p)->default_value, row.def);
+        } else if (row.type == G_TYPE_BOOLEAN) {
+            EXPECT_EQ (G_PARAM_SPEC_BOOLEAN (p)->default_value, row.def);
+        } else if (G_TYPE_IS_ENUM (row.type)) {
+            EXPECT_EQ (G_PARAM_SPEC_ENUM (p)->default_value, row.def);
+        } else if (row.type == G_TYPE_STRING) {
+            EXPECT_EQ (G_PARAM_SPEC_STRING (p)->default_value, nullptr);
+        }
+    }
+    g_type_class_unref (klass);
 }
 
-inline TavTime get_time (gpointer object, const char *name)
+/* A call with a bad argument, TRUE when it gave the neutral result, and the
+ * failed check its critical names. */
+struct CriticalRow {
+    const char *label;
+    std::function<bool ()> call;
+    const char *condition;
+};
+
+/* Each call logs exactly one line: the critical naming its condition. */
+inline void expect_criticals (std::initializer_list<CriticalRow> rows)
 {
-    TavTime *t = nullptr;
-    g_object_get (object, name, &t, nullptr);
-    TavTime out = t ? *t : TavTime { -1, -1 };
-    if (t)
-        tav_time_free (t);
-    return out;
+    for (const auto &row : rows) {
+        SCOPED_TRACE (row.label);
+        LogCapture capture;
+        EXPECT_TRUE (row.call ());
+        EXPECT_CRITICAL (capture, row.condition);
+        EXPECT_EQ (capture.lines ().size (), 1u) << capture.dump ();
+    }
 }
 
 } // namespace tav::test
