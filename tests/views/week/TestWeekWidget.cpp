@@ -242,21 +242,6 @@ TEST (WeekScrolling, PanningRepaintsWhenTheValueSettles)
     EXPECT_EQ (f.priv ()->last_painted_value, 140);
 }
 
-TEST (WeekAllDay, TwoSlotsMakeTheBarTallerAndPushTheHoursDown)
-{
-    REQUIRE_DISPLAY ();
-    Fixture f;
-    const int before = _tav_week_view_time_to_table_offset (f.view, 9, 0);
-    TavDate tue = { 2009, 2, 10 };
-    f.add (make_event ("Holiday", tue, 0, 0, 0, 0, 3, TRUE));
-    EXPECT_EQ (_tav_week_view_get_all_day_bar_height (f.view), 68);
-    f.add (make_event ("Fair", tue, 0, 0, 0, 0, 7, TRUE));
-    EXPECT_EQ (_tav_week_view_get_all_day_bar_height (f.view), 116);
-    EXPECT_EQ (_tav_week_view_time_to_table_offset (f.view, 9, 0), before + 48);
-    EXPECT_EQ (_tav_week_view_time_to_table_offset (f.view, 7, 30), 7 * 70 + 35);
-    EXPECT_EQ (f.adj ()->upper, 24 * 70 + 116);
-}
-
 TEST (WeekTaps, TapsEmitTheRightActivation)
 {
     REQUIRE_DISPLAY ();
@@ -303,16 +288,20 @@ TEST (WeekTaps, TapsEmitTheRightActivation)
     EXPECT_EQ (rec.joined (), "");
 }
 
-TEST (WeekTaps, TheSeventhSlotOfACrowdedDayOpensTheDay)
+TEST (WeekAllDay, ACrowdedDayGrowsTheBarToSevenSlotsAndTheSeventhOpensTheDay)
 {
     REQUIRE_DISPLAY ();
     Fixture f (800, 700);
     TavDate wed = { 2009, 2, 11 };
-    const char *titles[] = { "a", "b", "c", "d", "e", "f", "g", "h", "i" };
-    for (const char *t : titles)
+    EXPECT_EQ (_tav_week_view_get_all_day_bar_height (f.view), 48 + 20) << "an empty bar has one slot";
+    for (const char *t : { "a", "b", "c", "d", "e", "f", "g", "h", "i" })
         f.add (make_event (t, wed, 0, 0, 0, 0, 1, TRUE));
     EXPECT_EQ (f.priv ()->n_all_day_slots, 7);
-    EXPECT_EQ (_tav_week_view_get_all_day_bar_height (f.view), 7 * 48 + 20);
+    const int bar = 7 * 48 + 20;
+    EXPECT_EQ (_tav_week_view_get_all_day_bar_height (f.view), bar);
+    EXPECT_EQ (_tav_week_view_time_to_table_offset (f.view, 9, 0), 9 * 70 + bar) << "the hours after the bar move down";
+    EXPECT_EQ (_tav_week_view_time_to_table_offset (f.view, 7, 30), 7 * 70 + 35) << "the hours before it stay";
+    EXPECT_EQ (f.adj ()->upper, 24 * 70 + bar);
     tav_week_view_snap_to_all_day_bar (f.view);
     flush_events ();
     Recorder rec;
