@@ -145,11 +145,11 @@ TEST_F (MonthWidget, StopsAtTheEndsOfTheSupportedYears)
     EXPECT_TRUE (tav_calendar_select_month (calendar, 11, 2037));
     tav_calendar_select_next_month (calendar);
     EXPECT_EQ (activations.year_limit, 1);
-    EXPECT_EQ (shown ("month") * 10000 + shown ("year"), 11 * 10000 + 2037);
+    EXPECT_EQ (std::to_string (shown ("month")) + "/" + std::to_string (shown ("year")), "11/2037");
     tav_calendar_select_month (calendar, 0, 1970);
     tav_calendar_select_prev_month (calendar);
     EXPECT_EQ (activations.year_limit, 2);
-    EXPECT_EQ (shown ("month") * 10000 + shown ("year"), 1970);
+    EXPECT_EQ (std::to_string (shown ("month")) + "/" + std::to_string (shown ("year")), "0/1970");
     EXPECT_TRUE (tav_calendar_select_month (calendar, 5, 2040));
     EXPECT_EQ (activations.year_limit, 3);
     EXPECT_EQ (shown ("year"), 1970);
