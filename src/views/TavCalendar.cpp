@@ -791,22 +791,6 @@ tav_calendar_finalize (GObject *object)
 }
 
 static void
-install_string_style (GtkWidgetClass *klass, const char *name, const char *nick, const char *blurb,
-                      const char *default_value)
-{
-    gtk_widget_class_install_style_property (klass,
-        g_param_spec_string (name, nick, blurb, default_value, G_PARAM_READABLE));
-}
-
-static void
-install_align_style (GtkWidgetClass *klass, const char *name, const char *nick, const char *blurb,
-                     float default_value)
-{
-    gtk_widget_class_install_style_property (klass,
-        g_param_spec_float (name, nick, blurb, 0.0f, 1.0f, default_value, G_PARAM_READABLE));
-}
-
-static void
 tav_calendar_class_init (TavCalendarClass *klass)
 {
     GObjectClass *object_class = G_OBJECT_CLASS (klass);
@@ -847,41 +831,45 @@ tav_calendar_class_init (TavCalendarClass *klass)
         "The interval viewed by the widget.", TAV_TYPE_DATE_INTERVAL, G_PARAM_READABLE);
     g_object_class_install_properties (object_class, N_PROPERTIES, properties);
 
-    install_string_style (widget_class, "bg-image-file", "Background",
-        "Background image for the whole widget.", NULL);
-    install_string_style (widget_class, "cell-bg-image-file-normal", "Cell background",
-        "Background image file for cells.", "calendar_month_normal.png");
-    install_string_style (widget_class, "cal-month-week-file", "week cell in month view",
-        "image file for week cells.", "calendar_month_week.png");
-    install_string_style (widget_class, "cal-month-week-file-pressed", "pressed week cell",
-        "image file for highlighting pressed week cells.", "calendar_month_week_pressed.png");
-    install_string_style (widget_class, "cell-bg-image-file-other", "Cell background for other months",
-        "Background image file for cells showing dates of next and previous months.",
-        "calendar_month_lastmonth.png");
-    install_string_style (widget_class, "cell-bg-image-file-current", "Cell background for current day",
-        "Background image file for cell of the current date.", "calendar_month_current.png");
-    install_string_style (widget_class, "cell-bg-image-file-pressed", "Pressed day cell background",
-        "Background image file for highlighting pressed cell.", "calendar_month_pressed.png");
-    install_string_style (widget_class, "icon-bday-event-file", "bday calendar image file",
-        "The image file for bday event.", "calendar_birthday.png");
-    install_string_style (widget_class, "icon-todo-entry-file", "Todo image file",
-        "The image file for todo.", "calendar_todo.png");
-    install_string_style (widget_class, "font-color-normal", "Font color for current month",
-        "The name of the color used on label of the current month.", "White");
-    install_string_style (widget_class, "font-color-other", "Font color for other month",
-        "The name of the color used on label of the other month.", "LightGrey");
-    install_string_style (widget_class, "font-color-current", "Font color for current day",
-        "The name of the color used on label of the current day.", "Black");
-    install_string_style (widget_class, "font-color-day", "Font color for day labels",
-        "The name of the color used on day labels.", "White");
-    install_string_style (widget_class, "font-color-week", "Font color for week labels",
-        "The name of the color used on week labels.", "White");
-    install_align_style (widget_class, "week-label-xalign", "Week label xalign.",
-        "Horizontal position for the week labels.", 0.5f);
-    install_align_style (widget_class, "week-label-yalign", "Week label yalign",
-        "Vertical position for the week labels.", 0.5f);
-    install_align_style (widget_class, "day-label-xalign", "Day label xalign",
-        "The horizontal alignment for day labels.", 1.0f);
+    /* Theme images and colours, then label alignments. */
+    static const struct { const char *name, *nick, *blurb, *default_value; } string_styles[] = {
+        { "bg-image-file", "Background", "Background image for the whole widget.", NULL },
+        { "cell-bg-image-file-normal", "Cell background",
+          "Background image file for cells.", "calendar_month_normal.png" },
+        { "cal-month-week-file", "week cell in month view", "image file for week cells.", "calendar_month_week.png" },
+        { "cal-month-week-file-pressed", "pressed week cell",
+          "image file for highlighting pressed week cells.", "calendar_month_week_pressed.png" },
+        { "cell-bg-image-file-other", "Cell background for other months",
+          "Background image file for cells showing dates of next and previous months.",
+          "calendar_month_lastmonth.png" },
+        { "cell-bg-image-file-current", "Cell background for current day",
+          "Background image file for cell of the current date.", "calendar_month_current.png" },
+        { "cell-bg-image-file-pressed", "Pressed day cell background",
+          "Background image file for highlighting pressed cell.", "calendar_month_pressed.png" },
+        { "icon-bday-event-file", "bday calendar image file",
+          "The image file for bday event.", "calendar_birthday.png" },
+        { "icon-todo-entry-file", "Todo image file", "The image file for todo.", "calendar_todo.png" },
+        { "font-color-normal", "Font color for current month",
+          "The name of the color used on label of the current month.", "White" },
+        { "font-color-other", "Font color for other month",
+          "The name of the color used on label of the other month.", "LightGrey" },
+        { "font-color-current", "Font color for current day",
+          "The name of the color used on label of the current day.", "Black" },
+        { "font-color-day", "Font color for day labels", "The name of the color used on day labels.", "White" },
+        { "font-color-week", "Font color for week labels", "The name of the color used on week labels.", "White" },
+    };
+    for (const auto &style : string_styles)
+        gtk_widget_class_install_style_property (widget_class,
+            g_param_spec_string (style.name, style.nick, style.blurb, style.default_value, G_PARAM_READABLE));
+    static const struct { const char *name, *nick, *blurb; float default_value; } align_styles[] = {
+        { "week-label-xalign", "Week label xalign.", "Horizontal position for the week labels.", 0.5f },
+        { "week-label-yalign", "Week label yalign", "Vertical position for the week labels.", 0.5f },
+        { "day-label-xalign", "Day label xalign", "The horizontal alignment for day labels.", 1.0f },
+    };
+    for (const auto &style : align_styles)
+        gtk_widget_class_install_style_property (widget_class,
+            g_param_spec_float (style.name, style.nick, style.blurb, 0.0f, 1.0f, style.default_value,
+                                G_PARAM_READABLE));
 
     signals[DAY_ACTIVATED] = g_signal_new ("day-activated", G_TYPE_FROM_CLASS (klass), G_SIGNAL_RUN_LAST, 0,
         NULL, NULL, calendar_cclosure_marshal_VOID__INT_INT_INT, G_TYPE_NONE, 3,

@@ -19,10 +19,13 @@
 #include "TavHelper.h"
 #include "TavLog.h"
 #include "TavPaths.h"
+#include "TavViewPaint.h"
 
 namespace tav {
 
 namespace {
+
+using views::rounded_rectangle;
 
 constexpr MonthRgb kPage { 0.086, 0.110, 0.149 };
 constexpr MonthRgb kHeader { 0.067, 0.086, 0.118 };
@@ -65,14 +68,11 @@ lighter (const MonthRgb &c, double amount)
 MonthRgb
 style_color (GtkWidget *widget, const char *property)
 {
-    char *name = NULL;
-    gtk_widget_style_get (widget, property, &name, NULL);
+    const std::string name = views::style_string (widget, property);
     GdkColor color {};
-    MonthRgb rgb { 1, 1, 1 };
-    if (name && gdk_color_parse (name, &color))
-        rgb = { color.red / 65535.0, color.green / 65535.0, color.blue / 65535.0 };
-    g_free (name);
-    return rgb;
+    if (!name.empty () && gdk_color_parse (name.c_str (), &color))
+        return { color.red / 65535.0, color.green / 65535.0, color.blue / 65535.0 };
+    return { 1, 1, 1 };
 }
 
 void
@@ -91,17 +91,6 @@ theme_font (GtkWidget *widget, const char *style_name)
     if (style && style->font_desc)
         return GUniquePtr<PangoFontDescription> (pango_font_description_copy (style->font_desc));
     return GUniquePtr<PangoFontDescription> (pango_font_description_from_string ("Velda Sans 14"));
-}
-
-void
-rounded_rectangle (cairo_t *cr, double x, double y, double w, double h, double r_left, double r_right)
-{
-    cairo_new_sub_path (cr);
-    cairo_arc (cr, x + w - r_right, y + r_right, r_right, -M_PI / 2, 0);
-    cairo_arc (cr, x + w - r_right, y + h - r_right, r_right, 0, M_PI / 2);
-    cairo_arc (cr, x + r_left, y + h - r_left, r_left, M_PI / 2, M_PI);
-    cairo_arc (cr, x + r_left, y + r_left, r_left, M_PI, 3 * M_PI / 2);
-    cairo_close_path (cr);
 }
 
 /* Text drawing through the cache of laid-out texts. */
@@ -338,20 +327,18 @@ paint_cell_marks (cairo_t *cr, TextPainter &text, MonthPaintCache &cache, const 
     double cx = x + m.pad;
     const double cy = y + (m.label_h - s) / 2;
     const double alpha = cell.month_type == MONTH_TYPE_THIS ? 1.0 : 0.5;
-    if (cell.has_tasks) {
-        if (cache.todo_icon.original)
-            paint_image (cr, cache.todo_icon, cx, cy, (int) s, (int) s);
+    /* The theme's icon where it has one, else our drawing. */
+    auto mark = [&] (ThemeImage &icon, void (*draw) (cairo_t *, double, double, double, double)) {
+        if (icon.original)
+            paint_image (cr, icon, cx, cy, (int) s, (int) s);
         else
-            paint_task_icon (cr, cx, cy, s, alpha);
+            draw (cr, cx, cy, s, alpha);
         cx += s + 1;
-    }
-    if (cell.has_birthdays) {
-        if (cache.birthday_icon.original)
-            paint_image (cr, cache.birthday_icon, cx, cy, (int) s, (int) s);
-        else
-            paint_birthday_icon (cr, cx, cy, s, alpha);
-        cx += s + 1;
-    }
+    };
+    if (cell.has_tasks)
+        mark (cache.todo_icon, paint_task_icon);
+    if (cell.has_birthdays)
+        mark (cache.birthday_icon, paint_birthday_icon);
     const int hidden = month_cell_hidden_count (&cell, m.rows);
     if (hidden > 0 && w > 3 * s) {
         char more[16];

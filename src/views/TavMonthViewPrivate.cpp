@@ -660,21 +660,31 @@ calendar_cell_optimize_following (CalendarCell *cell, CalendarCell *next)
     return moved;
 }
 
-void
-calendar_cell_optimize_row_end (CalendarCell *cell, CalendarCell *next_row_first)
+/* Calls @pair with each bar in the wide lanes of @cell and its line in
+ * @other, where @other shows it too. */
+template <typename Pair>
+static void
+for_each_shared_bar (CalendarCell *cell, CalendarCell *other, Pair pair)
 {
-    g_assert (cell != NULL);
-    g_assert (next_row_first != NULL);
     for (int i = 0; i < MAX_WIDE_ENTRIES; i++) {
         CalendarEntry *centry = cell->entries[i];
         if (!centry || !centry->multi_days)
             continue;
         int j = 0;
-        if (calendar_cell_has_entry (next_row_first, centry->entry, &j) && j >= 0) {
-            centry->continues_right = TRUE;
-            next_row_first->entries[j]->continues_left = TRUE;
-        }
+        if (calendar_cell_has_entry (other, centry->entry, &j) && j >= 0)
+            pair (centry, other->entries[j]);
     }
+}
+
+void
+calendar_cell_optimize_row_end (CalendarCell *cell, CalendarCell *next_row_first)
+{
+    g_assert (cell != NULL);
+    g_assert (next_row_first != NULL);
+    for_each_shared_bar (cell, next_row_first, [] (CalendarEntry *centry, CalendarEntry *next) {
+        centry->continues_right = TRUE;
+        next->continues_left = TRUE;
+    });
 }
 
 void
@@ -682,18 +692,12 @@ calendar_cell_set_row_end_or_start (CalendarCell *cell, CalendarCell *other, gbo
 {
     g_assert (cell != NULL);
     g_assert (other != NULL);
-    for (int i = 0; i < MAX_WIDE_ENTRIES; i++) {
-        CalendarEntry *centry = cell->entries[i];
-        if (!centry || !centry->multi_days)
-            continue;
-        int j = 0;
-        if (calendar_cell_has_entry (other, centry->entry, &j) && j >= 0) {
-            if (row_end)
-                centry->continues_right = other->entries[j]->continues_right;
-            else
-                centry->continues_left = other->entries[j]->continues_left;
-        }
-    }
+    for_each_shared_bar (cell, other, [row_end] (CalendarEntry *centry, CalendarEntry *theirs) {
+        if (row_end)
+            centry->continues_right = theirs->continues_right;
+        else
+            centry->continues_left = theirs->continues_left;
+    });
 }
 
 /* The grid ------------------------------------------------------------------ */

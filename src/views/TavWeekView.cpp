@@ -593,26 +593,29 @@ void tav_week_view_ensure_valid_items_in_csm (TavWeekView *week_view)
     gtk_widget_set_visible (priv->menu_delete, priv->entry_for_csm && !birthday);
 }
 
+/* Emits @signal for the entry the context menu was opened on; @func is the
+ * menu item's handler, named in the warning. */
+static void week_view_emit_for_csm (TavWeekView *week_view, guint signal, const char *func)
+{
+    if (!week_view->priv->entry_for_csm) {
+        TAV_WARNING_AS (func, "entry_for_csm == NULL");
+        return;
+    }
+    /* Held: a handler may drop the menu's entry. */
+    tav::GRefPtr<TavCalendarEntry> entry = week_view->priv->entry_for_csm;
+    g_signal_emit (week_view, signal, 0, entry.get ());
+}
+
 void tav_week_view_csm_edit_clicked (GtkWidget *item, TavWeekView *week_view)
 {
     g_return_if_fail (TAV_IS_WEEK_VIEW (week_view));
-    if (!week_view->priv->entry_for_csm) {
-        TAV_WARNING ("entry_for_csm == NULL");
-        return;
-    }
-    tav::GRefPtr<TavCalendarEntry> entry = week_view->priv->entry_for_csm;
-    g_signal_emit (week_view, signals[EDIT_ENTRY_ACTIVATED], 0, entry.get ());
+    week_view_emit_for_csm (week_view, signals[EDIT_ENTRY_ACTIVATED], __func__);
 }
 
 void tav_week_view_csm_delete_clicked (GtkWidget *item, TavWeekView *week_view)
 {
     g_return_if_fail (TAV_IS_WEEK_VIEW (week_view));
-    if (!week_view->priv->entry_for_csm) {
-        TAV_WARNING ("entry_for_csm == NULL");
-        return;
-    }
-    tav::GRefPtr<TavCalendarEntry> entry = week_view->priv->entry_for_csm;
-    g_signal_emit (week_view, signals[DELETE_ENTRY_ACTIVATED], 0, entry.get ());
+    week_view_emit_for_csm (week_view, signals[DELETE_ENTRY_ACTIVATED], __func__);
 }
 
 static void week_view_build_menu (TavWeekView *week_view)

@@ -17,6 +17,7 @@
 #include "TavIntl.h"
 #include "TavLog.h"
 #include "TavPaths.h"
+#include "TavViewPaint.h"
 
 using namespace tav::week;
 
@@ -68,22 +69,10 @@ constexpr Rgb kDarkText { 0.13, 0.15, 0.18 };
 void rounded_rect (cairo_t *cr, double x, double y, double w, double h, double r)
 {
     r = std::min ({ r, w / 2, h / 2 });
-    cairo_new_sub_path (cr);
-    cairo_arc (cr, x + w - r, y + r, r, -G_PI / 2, 0);
-    cairo_arc (cr, x + w - r, y + h - r, r, 0, G_PI / 2);
-    cairo_arc (cr, x + r, y + h - r, r, G_PI / 2, G_PI);
-    cairo_arc (cr, x + r, y + r, r, G_PI, 3 * G_PI / 2);
-    cairo_close_path (cr);
+    tav::views::rounded_rectangle (cr, x, y, w, h, r, r);
 }
 
-std::string style_string (GtkWidget *widget, const char *name)
-{
-    char *value = nullptr;
-    gtk_widget_style_get (widget, name, &value, NULL);
-    std::string out = value ? value : "";
-    g_free (value);
-    return out;
-}
+using tav::views::style_string;
 
 /* A colour named by a style property: a colour name, or a logical colour
  * of the theme. A name the theme does not know is reported and replaced. */

@@ -66,6 +66,33 @@ describe_cell (const CalendarCell &cell)
     return out;
 }
 
+GdkPixbuf *
+pixbuf_of (GdkDrawable *drawable)
+{
+    int w = 0, h = 0;
+    gdk_drawable_get_size (drawable, &w, &h);
+    return gdk_pixbuf_get_from_drawable (NULL, drawable, gdk_drawable_get_colormap (drawable), 0, 0, 0, 0, w, h);
+}
+
+guint32
+rgb_at (GdkPixbuf *pixbuf, int x, int y)
+{
+    const guchar *p = gdk_pixbuf_get_pixels (pixbuf) + y * gdk_pixbuf_get_rowstride (pixbuf) +
+                      x * gdk_pixbuf_get_n_channels (pixbuf);
+    return (guint32) ((p[0] << 16) | (p[1] << 8) | p[2]);
+}
+
+GdkPixbuf *
+widget_snapshot (GtkWidget *widget)
+{
+    GdkPixmap *pixmap = gtk_widget_get_snapshot (widget, NULL);
+    if (!pixmap)
+        return NULL;
+    GdkPixbuf *pixbuf = pixbuf_of (GDK_DRAWABLE (pixmap));
+    g_object_unref (pixmap);
+    return pixbuf;
+}
+
 Grid::Grid (int year, int month, int first_day_of_week) : m_processor (tav_calendar_processor_new ())
 {
     tav_calendar_processor_set_first_day_of_week (m_processor, (guint) first_day_of_week);

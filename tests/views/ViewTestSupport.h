@@ -31,6 +31,12 @@ TavCalendarEntry *make_birthday (const char *title, Stamp day);
  * birthday flags. */
 std::string describe_cell (const CalendarCell &cell);
 
+/* The pixels of @drawable (transfer full), and one pixel of them as 0xRRGGBB. */
+GdkPixbuf *pixbuf_of (GdkDrawable *drawable);
+guint32 rgb_at (GdkPixbuf *pixbuf, int x, int y);
+/* Paints @widget off screen (whole even where larger than the screen). */
+GdkPixbuf *widget_snapshot (GtkWidget *widget);
+
 /* Owns 42 cells dated for (year, month) with @first_day_of_week. */
 class Grid {
 public:
