@@ -73,17 +73,16 @@ EntryKind kind_of (TavCalendarEntry *entry)
 
 /* The stored record an entry stands for in this calendar: by id, or (for
  * an entry just moved here from another calendar) by UID. */
-bool stored_record (TavCalendarSource *source, TavCalendarEntry *entry, EntryRecord *out)
+Status stored_record (TavCalendarSource *source, TavCalendarEntry *entry, EntryRecord *out)
 {
     TavHostCalendarSourcePrivate *priv = priv_of (source);
     const int64_t id = entry_record_id (entry);
-    if (id <= 0 || !priv->store->find_entry (id, out)) {
-        return false;
+    if (id > 0 && priv->store->find_entry (id, out)
+        && (out->calendar_id == calendar_id_of (source)
+            || priv->store->find_entry_by_uid (calendar_id_of (source), out->uid, out))) {
+        return Status::success ();
     }
-    if (out->calendar_id == calendar_id_of (source)) {
-        return true;
-    }
-    return priv->store->find_entry_by_uid (calendar_id_of (source), out->uid, out);
+    return Status::failure (CalendarInvalidArg, "the entry is not stored in this calendar");
 }
 
 void set_num_id (TavCalendarEntry *entry, int64_t id)
@@ -185,11 +184,11 @@ int save_any (TavCalendarSource *source, TavCalendarEntry *entry)
 {
     TavHostCalendarSourcePrivate *priv = priv_of (source);
     EntryRecord record;
-    if (!stored_record (source, entry, &record)) {
-        return report (source, Status::failure (CalendarInvalidArg, "the entry is not stored in this calendar"));
+    Status s = stored_record (source, entry, &record);
+    if (s.ok ()) {
+        record_from_entry (entry, record);
+        s = priv->store->update_entry (record);
     }
-    record_from_entry (entry, record);
-    Status s = priv->store->update_entry (record);
     if (s.ok ()) {
         priv->records[record.id] = record;
         tav_calandar_entry_drop_instances (entry);
@@ -201,10 +200,10 @@ int delete_any (TavCalendarSource *source, TavCalendarEntry *entry)
 {
     TavHostCalendarSourcePrivate *priv = priv_of (source);
     EntryRecord record;
-    if (!stored_record (source, entry, &record)) {
-        return report (source, Status::failure (CalendarInvalidArg, "the entry is not stored in this calendar"));
+    Status s = stored_record (source, entry, &record);
+    if (s.ok ()) {
+        s = priv->store->delete_entry (record.id);
     }
-    Status s = priv->store->delete_entry (record.id);
     if (s.ok ()) {
         priv->records.erase (record.id);
     }

@@ -138,6 +138,17 @@ struct StmtUse {
     }
 };
 
+void bind_calendar (sqlite3_stmt *stmt, const CalendarRecord &c)
+{
+    bind_text (stmt, 1, c.title);
+    sqlite3_bind_int (stmt, 2, c.color);
+    sqlite3_bind_int (stmt, 3, c.type);
+    sqlite3_bind_int (stmt, 4, c.sync_type);
+    sqlite3_bind_int (stmt, 5, c.visible);
+    sqlite3_bind_int (stmt, 6, c.read_only);
+    bind_text (stmt, 7, c.alarm_tone, true);
+}
+
 }  // namespace
 
 struct Store::Statements {
@@ -201,6 +212,26 @@ Status Store::exec (const char *sql)
         return s;
     }
     return Status::success ();
+}
+
+Status Store::step_with_id (const char *sql, int64_t id, const std::string &what)
+{
+    sqlite3_stmt *stmt = prepare (sql);
+    StmtUse use (stmt);
+    sqlite3_bind_int64 (stmt, 1, id);
+    const int rc = sqlite3_step (stmt);
+    return rc == SQLITE_DONE ? Status::success () : error_status (rc, what);
+}
+
+Status Store::insert_span (int64_t id, int64_t lo, int64_t hi, const std::string &what)
+{
+    sqlite3_stmt *span = prepare ("INSERT INTO entry_spans (id, lo, hi) VALUES (?, ?, ?)");
+    StmtUse use (span);
+    sqlite3_bind_int64 (span, 1, id);
+    sqlite3_bind_int (span, 2, clamp32 (lo));
+    sqlite3_bind_int (span, 3, clamp32 (hi));
+    const int rc = sqlite3_step (span);
+    return rc == SQLITE_DONE ? Status::success () : error_status (rc, what);
 }
 
 std::unique_ptr<Store> Store::open (const std::string &path, Status *status)
@@ -315,14 +346,9 @@ Status Store::migrate (int from_version)
             if (e.kind == EntryKind::Note) {
                 continue;
             }
-            sqlite3_stmt *span = prepare ("INSERT INTO entry_spans (id, lo, hi) VALUES (?, ?, ?)");
-            StmtUse use (span);
-            sqlite3_bind_int64 (span, 1, e.id);
-            sqlite3_bind_int (span, 2, clamp32 (e.start));
-            sqlite3_bind_int (span, 3, clamp32 (last_instance_end (e)));
-            const int rc = sqlite3_step (span);
-            if (rc != SQLITE_DONE) {
-                return error_status (rc, "indexing the stored entries");
+            s = insert_span (e.id, e.start, last_instance_end (e), "indexing the stored entries");
+            if (!s.ok ()) {
+                return s;
             }
         }
     }
@@ -398,6 +424,18 @@ CalendarRecord read_calendar (sqlite3_stmt *stmt)
     return c;
 }
 
+/* Reads the first row of a calendar query into @out (when given). */
+bool first_calendar (sqlite3_stmt *stmt, CalendarRecord *out)
+{
+    if (sqlite3_step (stmt) != SQLITE_ROW) {
+        return false;
+    }
+    if (out) {
+        *out = read_calendar (stmt);
+    }
+    return true;
+}
+
 const char *const kCalendarSelect =
     "SELECT id, title, color, type, sync_type, visible, read_only, alarm_tone FROM calendars";
 
@@ -426,13 +464,7 @@ Status Store::add_calendar (CalendarRecord &c)
     sqlite3_stmt *stmt = prepare ("INSERT INTO calendars (title, color, type, sync_type, visible, read_only, "
                                   "alarm_tone) VALUES (?, ?, ?, ?, ?, ?, ?)");
     StmtUse use (stmt);
-    bind_text (stmt, 1, c.title);
-    sqlite3_bind_int (stmt, 2, c.color);
-    sqlite3_bind_int (stmt, 3, c.type);
-    sqlite3_bind_int (stmt, 4, c.sync_type);
-    sqlite3_bind_int (stmt, 5, c.visible);
-    sqlite3_bind_int (stmt, 6, c.read_only);
-    bind_text (stmt, 7, c.alarm_tone, true);
+    bind_calendar (stmt, c);
     const int rc = sqlite3_step (stmt);
     if (rc != SQLITE_DONE) {
         return error_status (rc, "adding the calendar '" + c.title + "'");
@@ -454,13 +486,7 @@ Status Store::update_calendar (const CalendarRecord &c)
     sqlite3_stmt *stmt = prepare ("UPDATE calendars SET title = ?, color = ?, type = ?, sync_type = ?, visible = ?, "
                                   "read_only = ?, alarm_tone = ? WHERE id = ?");
     StmtUse use (stmt);
-    bind_text (stmt, 1, c.title);
-    sqlite3_bind_int (stmt, 2, c.color);
-    sqlite3_bind_int (stmt, 3, c.type);
-    sqlite3_bind_int (stmt, 4, c.sync_type);
-    sqlite3_bind_int (stmt, 5, c.visible);
-    sqlite3_bind_int (stmt, 6, c.read_only);
-    bind_text (stmt, 7, c.alarm_tone, true);
+    bind_calendar (stmt, c);
     sqlite3_bind_int64 (stmt, 8, c.id);
     const int rc = sqlite3_step (stmt);
     if (rc != SQLITE_DONE) {
@@ -474,12 +500,9 @@ Status Store::update_calendar (const CalendarRecord &c)
 
 Status Store::remove_calendar (int64_t id)
 {
-    sqlite3_stmt *stmt = prepare ("DELETE FROM calendars WHERE id = ?");
-    StmtUse use (stmt);
-    sqlite3_bind_int64 (stmt, 1, id);
-    const int rc = sqlite3_step (stmt);
-    if (rc != SQLITE_DONE) {
-        return error_status (rc, "removing calendar " + std::to_string (id));
+    Status s = step_with_id ("DELETE FROM calendars WHERE id = ?", id, "removing calendar " + std::to_string (id));
+    if (!s.ok ()) {
+        return s;
     }
     if (sqlite3_changes (m_db) == 0) {
         return Status::failure (CalendarInvalidArg, "there is no calendar " + std::to_string (id));
@@ -496,11 +519,7 @@ Status Store::clear_calendar (int64_t id)
     if (c.read_only) {
         return Status::failure (CalendarInvalidArg, "the calendar '" + c.title + "' is read-only");
     }
-    sqlite3_stmt *stmt = prepare ("DELETE FROM entries WHERE calendar_id = ?");
-    StmtUse use (stmt);
-    sqlite3_bind_int64 (stmt, 1, id);
-    const int rc = sqlite3_step (stmt);
-    return rc == SQLITE_DONE ? Status::success () : error_status (rc, "emptying the calendar '" + c.title + "'");
+    return step_with_id ("DELETE FROM entries WHERE calendar_id = ?", id, "emptying the calendar '" + c.title + "'");
 }
 
 std::vector<CalendarRecord> Store::calendars ()
@@ -521,13 +540,7 @@ bool Store::find_calendar (int64_t id, CalendarRecord *out)
     sqlite3_stmt *stmt = prepare (sql.c_str ());
     StmtUse use (stmt);
     sqlite3_bind_int64 (stmt, 1, id);
-    if (sqlite3_step (stmt) != SQLITE_ROW) {
-        return false;
-    }
-    if (out) {
-        *out = read_calendar (stmt);
-    }
-    return true;
+    return first_calendar (stmt, out);
 }
 
 bool Store::find_calendar_by_title (const std::string &title, CalendarRecord *out)
@@ -536,13 +549,7 @@ bool Store::find_calendar_by_title (const std::string &title, CalendarRecord *ou
     sqlite3_stmt *stmt = prepare (sql.c_str ());
     StmtUse use (stmt);
     bind_text (stmt, 1, title);
-    if (sqlite3_step (stmt) != SQLITE_ROW) {
-        return false;
-    }
-    if (out) {
-        *out = read_calendar (stmt);
-    }
-    return true;
+    return first_calendar (stmt, out);
 }
 
 /* Entries ---------------------------------------------------------------- */
@@ -582,6 +589,18 @@ std::vector<EntryRecord> Store::query_entries (sqlite3_stmt *stmt)
         out.push_back (std::move (e));
     }
     return out;
+}
+
+bool Store::first_entry (sqlite3_stmt *stmt, EntryRecord *out)
+{
+    auto rows = query_entries (stmt);
+    if (rows.empty ()) {
+        return false;
+    }
+    if (out) {
+        *out = std::move (rows.front ());
+    }
+    return true;
 }
 
 Status Store::check_entry (const EntryRecord &e, bool insert)
@@ -708,26 +727,16 @@ Status Store::write_entry (EntryRecord &e, bool insert)
     if (insert) {
         stored.id = sqlite3_last_insert_rowid (m_db);
     }
-    {
-        sqlite3_stmt *del = prepare ("DELETE FROM entry_spans WHERE id = ?");
-        StmtUse use (del);
-        sqlite3_bind_int64 (del, 1, stored.id);
-        const int rc = sqlite3_step (del);
-        if (rc != SQLITE_DONE) {
-            return error_status (rc, "indexing '" + stored.title + "'");
-        }
+    s = step_with_id ("DELETE FROM entry_spans WHERE id = ?", stored.id, "indexing '" + stored.title + "'");
+    if (!s.ok ()) {
+        return s;
     }
     if (stored.kind != EntryKind::Note) {
-        sqlite3_stmt *span = prepare ("INSERT INTO entry_spans (id, lo, hi) VALUES (?, ?, ?)");
-        StmtUse use (span);
         const int64_t hi = stored.kind == EntryKind::Task ? std::max (stored.end, civil_day_start (stored.start) + 1439)
                                                           : last_instance_end (stored);
-        sqlite3_bind_int64 (span, 1, stored.id);
-        sqlite3_bind_int (span, 2, clamp32 (stored.start));
-        sqlite3_bind_int (span, 3, clamp32 (hi));
-        const int rc = sqlite3_step (span);
-        if (rc != SQLITE_DONE) {
-            return error_status (rc, "indexing '" + stored.title + "'");
+        s = insert_span (stored.id, stored.start, hi, "indexing '" + stored.title + "'");
+        if (!s.ok ()) {
+            return s;
         }
     }
     s = tx.commit ();
@@ -758,11 +767,7 @@ Status Store::delete_entry (int64_t id)
     if (find_calendar (e.calendar_id, &c) && c.read_only) {
         return Status::failure (CalendarInvalidArg, "the calendar '" + c.title + "' is read-only");
     }
-    sqlite3_stmt *stmt = prepare ("DELETE FROM entries WHERE id = ?");
-    StmtUse use (stmt);
-    sqlite3_bind_int64 (stmt, 1, id);
-    const int rc = sqlite3_step (stmt);
-    return rc == SQLITE_DONE ? Status::success () : error_status (rc, "deleting '" + e.title + "'");
+    return step_with_id ("DELETE FROM entries WHERE id = ?", id, "deleting '" + e.title + "'");
 }
 
 bool Store::find_entry (int64_t id, EntryRecord *out)
@@ -771,14 +776,7 @@ bool Store::find_entry (int64_t id, EntryRecord *out)
     sqlite3_stmt *stmt = prepare (sql.c_str ());
     StmtUse use (stmt);
     sqlite3_bind_int64 (stmt, 1, id);
-    auto rows = query_entries (stmt);
-    if (rows.empty ()) {
-        return false;
-    }
-    if (out) {
-        *out = std::move (rows.front ());
-    }
-    return true;
+    return first_entry (stmt, out);
 }
 
 bool Store::find_entry_by_uid (int64_t calendar_id, const std::string &uid, EntryRecord *out)
@@ -789,14 +787,7 @@ bool Store::find_entry_by_uid (int64_t calendar_id, const std::string &uid, Entr
     StmtUse use (stmt);
     sqlite3_bind_int64 (stmt, 1, calendar_id);
     bind_text (stmt, 2, uid);
-    auto rows = query_entries (stmt);
-    if (rows.empty ()) {
-        return false;
-    }
-    if (out) {
-        *out = std::move (rows.front ());
-    }
-    return true;
+    return first_entry (stmt, out);
 }
 
 std::vector<EntryRecord> Store::entries_touching (int64_t from, int64_t to, bool visible_only)

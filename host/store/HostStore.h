@@ -90,6 +90,13 @@ private:
     Status error_status (int rc, const std::string &what);
     sqlite3_stmt *prepare (const char *sql);
     std::vector<EntryRecord> query_entries (sqlite3_stmt *stmt);
+    /* The first row of an entry query into @out (when given); false when none. */
+    bool first_entry (sqlite3_stmt *stmt, EntryRecord *out);
+    /* Runs a statement whose one parameter is an id; @what names the step
+     * in the error. */
+    Status step_with_id (const char *sql, int64_t id, const std::string &what);
+    /* Indexes entry @id on [lo, hi]. */
+    Status insert_span (int64_t id, int64_t lo, int64_t hi, const std::string &what);
 
     sqlite3 *m_db;
     std::string m_path;

@@ -1,4 +1,4 @@
-/* Helpers shared by the host store tests. */
+/* Helpers shared by the host tests. */
 #ifndef TAV_HOST_TEST_UTIL_H
 #define TAV_HOST_TEST_UTIL_H
 
@@ -8,6 +8,7 @@
 
 #include <glib.h>
 
+#include <algorithm>
 #include <memory>
 #include <string>
 #include <vector>
@@ -18,48 +19,85 @@ namespace tav::host::test {
  * next to the checkout (one level further up for a git worktree). */
 inline std::string fixture_path (const std::string &name)
 {
-    std::vector<std::string> roots;
+    std::vector<std::string> roots = {TAV_SOURCE_ROOT "/../shared/fixtures", TAV_SOURCE_ROOT "/../../shared/fixtures"};
     if (const char *root = g_getenv ("TAV_TEST_FIXTURES")) {
-        roots.push_back (root);
+        roots.insert (roots.begin (), root);
     }
-    roots.push_back (TAV_SOURCE_ROOT "/../shared/fixtures");
-    roots.push_back (TAV_SOURCE_ROOT "/../../shared/fixtures");
     for (const std::string &root : roots) {
-        const std::string path = root + "/ics/" + name;
-        if (g_file_test (path.c_str (), G_FILE_TEST_EXISTS)) {
-            return path;
+        if (g_file_test ((root + "/ics/" + name).c_str (), G_FILE_TEST_EXISTS)) {
+            return root + "/ics/" + name;
         }
     }
     return roots.front () + "/ics/" + name;
 }
 
+/* The file's bytes; empty when it cannot be read. */
 inline std::string read_file (const std::string &path)
 {
     gchar *text = nullptr;
     gsize len = 0;
-    if (!g_file_get_contents (path.c_str (), &text, &len, nullptr)) {
-        return {};
-    }
-    std::string s (text, len);
+    g_file_get_contents (path.c_str (), &text, &len, nullptr);
+    std::string s (text ? text : "", len);
     g_free (text);
+    return s;
+}
+
+/* Texts sorted and joined with commas: a set compared in one line. */
+inline std::string joined (std::vector<std::string> texts)
+{
+    std::sort (texts.begin (), texts.end ());
+    std::string out;
+    for (const std::string &s : texts) {
+        out += (out.empty () ? "" : ",") + s;
+    }
+    return out;
+}
+
+inline CalendarRecord calendar_named (const std::string &title, bool visible = true,
+                                      int color = TavCalendarColorDarkBlue)
+{
+    CalendarRecord c;
+    c.title = title;
+    c.visible = visible;
+    c.color = color;
+    return c;
+}
+
+inline int64_t at (int y, int m, int d, int h = 0, int min = 0)
+{
+    return civil_minutes (y, m, d, h, min);
+}
+
+/* One line per entry that says everything stored about it but its id and
+ * modification stamp. */
+inline std::string describe (const EntryRecord &e)
+{
+    std::string s = std::to_string (static_cast<int> (e.kind)) + "|" + e.uid + "|" + e.title + "|" + e.description +
+                    "|" + e.location + "|" + civil_to_string (e.start) + "|" + civil_to_string (e.end) + "|" +
+                    (e.all_day ? "allday" : "timed") + "|" + e.rrule + "|" + e.exrule + "|" + e.tzid + "|alarm " +
+                    std::to_string (e.alarm_code) + " " + std::to_string (e.alarm_time) + "|repeat " +
+                    std::to_string (e.repeat_code) + "|done " + std::to_string (e.done) + "|birthday " +
+                    std::to_string (e.has_birthday) + " " + std::to_string (e.birth_year) + "|" + e.extra +
+                    "|created " + std::to_string (e.created);
+    for (int64_t x : e.exdates) {
+        s += "|ex " + civil_to_string (x);
+    }
+    for (int64_t r : e.rdates) {
+        s += "|r " + civil_to_string (r);
+    }
     return s;
 }
 
 /* A store in a fresh directory with one writable calendar. */
 struct StoreFixture {
     tav::test::TempDir dir;
-    std::unique_ptr<Store> store;
+    std::shared_ptr<Store> store;
     int64_t calendar = 0;
 
-    StoreFixture ()
+    explicit StoreFixture (const CalendarRecord &first = calendar_named ("Personal"))
     {
-        Status st;
-        store = Store::open (dir.file ("calendar.db"), &st);
-        EXPECT_TRUE (store) << st.message;
-        CalendarRecord c;
-        c.title = "Personal";
-        EXPECT_TRUE (store->add_calendar (c).ok ());
-        calendar = c.id;
+        reopen ();
+        calendar = add_calendar (first).id;
     }
 
     void reopen ()
@@ -68,6 +106,13 @@ struct StoreFixture {
         Status st;
         store = Store::open (dir.file ("calendar.db"), &st);
         ASSERT_TRUE (store) << st.message;
+    }
+
+    /* The calendar as stored, its id filled in. */
+    CalendarRecord add_calendar (CalendarRecord c)
+    {
+        EXPECT_TRUE (store->add_calendar (c).ok ()) << c.title;
+        return c;
     }
 
     EntryRecord event (const std::string &title, int64_t start, int64_t end, const std::string &rrule = {})
@@ -84,11 +129,6 @@ struct StoreFixture {
         return e;
     }
 };
-
-inline int64_t at (int y, int m, int d, int h = 0, int min = 0)
-{
-    return civil_minutes (y, m, d, h, min);
-}
 
 }  // namespace tav::host::test
 

@@ -24,18 +24,14 @@ ProgramRun run (std::vector<std::string> args)
         argv.push_back (a.data ());
     }
     argv.push_back (nullptr);
-    ProgramRun r;
     gchar *out = nullptr, *err = nullptr;
     int wait = 0;
     GError *error = nullptr;
-    if (!g_spawn_sync (nullptr, argv.data (), nullptr, G_SPAWN_DEFAULT, nullptr, nullptr, &out, &err, &wait, &error)) {
-        ADD_FAILURE () << error->message;
-        g_error_free (error);
-        return r;
-    }
-    r.status = WIFEXITED (wait) ? WEXITSTATUS (wait) : -1;
-    r.out = out ? out : "";
-    r.err = err ? err : "";
+    const bool ran = g_spawn_sync (nullptr, argv.data (), nullptr, G_SPAWN_DEFAULT, nullptr, nullptr, &out, &err, &wait,
+                                   &error);
+    EXPECT_TRUE (ran) << (error ? error->message : "");
+    g_clear_error (&error);
+    ProgramRun r {ran && WIFEXITED (wait) ? WEXITSTATUS (wait) : -1, out ? out : "", err ? err : ""};
     g_free (out);
     g_free (err);
     return r;

@@ -22,33 +22,19 @@ std::string titles_on (TavCalendar *month, int y, int m, int d)
         t.push_back (tav_calendar_entry_get_title (TAV_CALENDAR_ENTRY (l->data)));
     }
     g_list_free_full (entries, g_object_unref);
-    std::sort (t.begin (), t.end ());
-    std::string out;
-    for (const auto &s : t) {
-        out += (out.empty () ? "" : ",") + s;
-    }
-    return out;
+    return joined (t);
 }
 
-struct ReadFixture {
-    tav::test::TempDir dir;
-    std::shared_ptr<Store> store;
+/* "Home" with a dated event, a weekly one with an exception, an all-day
+ * trip and one from 1965; "Hidden" with one event. */
+struct ReadFixture : StoreFixture {
+    int64_t hidden = 0;
     std::unique_ptr<CalendarSet> set;
-    int64_t home = 0, hidden = 0;
     int reads = 0;
 
-    ReadFixture ()
+    ReadFixture () : StoreFixture (calendar_named ("Home"))
     {
-        Status st;
-        store = std::shared_ptr<Store> (Store::open (dir.file ("c.db"), &st).release ());
-        CalendarRecord a, b;
-        a.title = "Home";
-        b.title = "Hidden";
-        b.visible = false;
-        store->add_calendar (a);
-        store->add_calendar (b);
-        home = a.id;
-        hidden = b.id;
+        hidden = add_calendar (calendar_named ("Hidden", false)).id;
         const std::string ics =
             "BEGIN:VCALENDAR\r\n"
             "BEGIN:VEVENT\r\nUID:1\r\nDTSTART:20240506T090000\r\nDTEND:20240506T100000\r\nSUMMARY:Dentist\r\nEND:VEVENT\r\n"
@@ -57,13 +43,10 @@ struct ReadFixture {
             "BEGIN:VEVENT\r\nUID:3\r\nDTSTART;VALUE=DATE:20240515\r\nDTEND;VALUE=DATE:20240518\r\nSUMMARY:Trip\r\nEND:VEVENT\r\n"
             "BEGIN:VEVENT\r\nUID:4\r\nDTSTART:19650506T090000\r\nSUMMARY:Too early\r\nEND:VEVENT\r\n"
             "END:VCALENDAR\r\n";
-        EXPECT_TRUE (import_ics_text (*store, home, ics).status.ok ());
-        EntryRecord secret;
+        EXPECT_TRUE (import_ics_text (*store, calendar, ics).status.ok ());
+        EntryRecord secret = event ("Secret", at (2024, 5, 6, 12), at (2024, 5, 6, 12, 30));
         secret.calendar_id = hidden;
-        secret.title = "Secret";
-        secret.start = at (2024, 5, 6, 12);
-        secret.end = secret.start + 30;
-        store->add_entry (secret);
+        EXPECT_TRUE (store->add_entry (secret).ok ());
         set = std::make_unique<CalendarSet> (store);
     }
 };
@@ -95,20 +78,12 @@ TEST (HostRead, MonthViewIsFilledFromTheVisibleCalendars)
     tav::test::flush_events ();
     EXPECT_GE (f.reads, 1);
 
-    struct Row {
-        int m, d;
-        const char *expected;
-    } rows[] = {
-        {5, 6, "Dentist,Gym"},
-        {5, 13, ""},          /* the exception date */
-        {5, 20, "Gym"},
-        {5, 16, "Trip"},
-        {5, 17, "Trip"},
-        {5, 18, ""},          /* DTEND of a date is exclusive */
-    };
-    for (const Row &row : rows) {
-        EXPECT_EQ (titles_on (TAV_CALENDAR (month), 2024, row.m, row.d), row.expected) << row.m << "/" << row.d;
+    /* 13 May is the exception date; the trip's DTEND (18 May) is exclusive. */
+    std::string days;
+    for (int d : {6, 13, 16, 17, 18, 20}) {
+        days += std::to_string (d) + "=" + titles_on (TAV_CALENDAR (month), 2024, 5, d) + " ";
     }
+    EXPECT_EQ (days, "6=Dentist,Gym 13= 16=Trip 17=Trip 18= 20=Gym ");
 
     /* The hidden calendar comes in once it is made visible and re-read. */
     CalendarRecord c;
