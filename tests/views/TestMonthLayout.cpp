@@ -456,10 +456,10 @@ TEST (GridDifferential, PrefetchedPropertiesMatchTheProperties)
                       &eh, "end-minute", &em, "color", &color, "created-time", &created, "all-day", &all_day,
                       "has-repeat", &has_repeat, "multi-days", &multi_days, "has-birthday", &bday, NULL);
         const int n_days = tav_calendar_processor_get_date_interval_in_days (processor, *sd, *ed) + 1;
-        auto text = [] (const TavDate &s, const TavDate &e, std::initializer_list<int> values, const std::string &title) {
+        auto text = [] (const TavDate &s, const TavDate &e, std::initializer_list<gint64> values, const std::string &title) {
             std::string out = title + " " + std::to_string (s.year * 10000 + s.month * 100 + s.day) + ".." +
                               std::to_string (e.year * 10000 + e.month * 100 + e.day);
-            for (int v : values)
+            for (gint64 v : values)
                 out += " " + std::to_string (v);
             return out;
         };
