@@ -18,7 +18,7 @@ bool PointerDriver::available ()
     return have_display () && XTestQueryExtension (xdisplay (), &event_base, &error_base, &major, &minor);
 }
 
-void PointerDriver::to_root (GtkWidget *widget, int x, int y, int *root_x, int *root_y)
+static void to_root (GtkWidget *widget, int x, int y, int *root_x, int *root_y)
 {
     int ox = 0, oy = 0;
     gdk_window_get_origin (widget->window, &ox, &oy);
@@ -80,21 +80,6 @@ void PointerDriver::drag (GtkWidget *widget, int x0, int y0, int x1, int y1, int
         release (1);
 }
 
-void PointerDriver::key (guint keyval, bool shift)
-{
-    Display *display = xdisplay ();
-    const KeyCode shift_code = XKeysymToKeycode (display, XK_Shift_L);
-    const KeyCode code = XKeysymToKeycode (display, keyval);
-    if (shift)
-        XTestFakeKeyEvent (display, shift_code, True, CurrentTime);
-    XTestFakeKeyEvent (display, code, True, CurrentTime);
-    XTestFakeKeyEvent (display, code, False, CurrentTime);
-    if (shift)
-        XTestFakeKeyEvent (display, shift_code, False, CurrentTime);
-    XFlush (display);
-    flush_events ();
-}
-
 void PointerDriver::wait (int ms)
 {
     const gint64 end = g_get_monotonic_time () + ms * 1000;
@@ -107,6 +92,13 @@ GtkWidget *make_test_window (int width, int height)
     gtk_window_set_default_size (GTK_WINDOW (window), width, height);
     gtk_window_move (GTK_WINDOW (window), 20, 20);
     return window;
+}
+
+void count_signal (gpointer instance, const char *signal, int *counter)
+{
+    /* Every handler's first argument is the instance and its last the data;
+     * the ones between are not read, so one counting function serves all. */
+    g_signal_connect_swapped (instance, signal, G_CALLBACK (+[] (gpointer d) { ++*static_cast<int *> (d); }), counter);
 }
 
 } // namespace tav::test
