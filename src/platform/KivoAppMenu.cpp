@@ -115,18 +115,7 @@ kivo_app_menu_key_press_event (GtkWidget *widget, GdkEventKey *event)
 static gboolean
 kivo_app_menu_expose_event (GtkWidget *widget, GdkEventExpose *event)
 {
-    cairo_t *cr = gdk_cairo_create (widget->window);
-    gdk_cairo_region (cr, event->region);
-    cairo_clip (cr);
-    cairo_rectangle (cr, 0, 0, widget->allocation.width, widget->allocation.height);
-    kivo_style_set_source (cr, KIVO_COLOR_BACKGROUND, 1.0);
-    cairo_fill_preserve (cr);
-    kivo_style_set_source (cr, KIVO_COLOR_BORDER, 1.0);
-    cairo_set_line_width (cr, 2.0);
-    cairo_stroke (cr);
-    cairo_destroy (cr);
-    if (GtkWidget *child = gtk_bin_get_child (GTK_BIN (widget)))
-        gtk_container_propagate_expose (GTK_CONTAINER (widget), child, event);
+    kivo_style_paint_framed (widget, event, KIVO_COLOR_BORDER, 2.0);
     return FALSE;
 }
 
