@@ -26,8 +26,9 @@ public:
     static bool available ();
 };
 
-/* A top-level window at a fixed place, not yet shown. */
-GtkWidget *make_test_window (int width, int height);
+/* A top-level window at a fixed place; with @child, holding it, shown and
+ * drawn. */
+GtkWidget *make_test_window (int width, int height, GtkWidget *child = nullptr);
 
 /* Connects a handler that only counts its calls into @counter. */
 void count_signal (gpointer instance, const char *signal, int *counter);

@@ -16,7 +16,7 @@ constexpr int kRows = 20;
 constexpr int kRowHeight = 70;
 
 struct PanFixture {
-    GtkWidget *window = make_test_window (400, 300);
+    GtkWidget *window = nullptr;
     GtkWidget *area = kivo_pannable_area_new ();
     GtkWidget *viewport = nullptr;
     std::vector<GtkWidget *> buttons;
@@ -35,9 +35,7 @@ struct PanFixture {
         }
         kivo_pannable_area_add_with_viewport (KIVO_PANNABLE_AREA (area), box);
         viewport = gtk_bin_get_child (GTK_BIN (area));
-        gtk_container_add (GTK_CONTAINER (window), area);
-        gtk_widget_show_all (window);
-        flush_events ();
+        window = make_test_window (400, 300, area);
     }
     ~PanFixture () { gtk_widget_destroy (window); }
 
@@ -148,7 +146,6 @@ TEST (PannableArea, VerticalModeIgnoresSidewaysDrags)
 TEST (PannableArea, DrivesChildrenThatScrollThemselves)
 {
     REQUIRE_DISPLAY ();
-    GtkWidget *window = make_test_window (300, 200);
     GtkWidget *area = kivo_pannable_area_new ();
     GtkListStore *store = gtk_list_store_new (1, G_TYPE_STRING);
     for (int i = 0; i < 100; i++)
@@ -164,9 +161,7 @@ TEST (PannableArea, DrivesChildrenThatScrollThemselves)
     }
     GtkAdjustment *v = kivo_pannable_area_get_vadjustment (KIVO_PANNABLE_AREA (area));
     EXPECT_EQ (gtk_tree_view_get_vadjustment (GTK_TREE_VIEW (view)), v);
-    gtk_container_add (GTK_CONTAINER (window), area);
-    gtk_widget_show_all (window);
-    flush_events ();
+    GtkWidget *window = make_test_window (300, 200, area);
 
     ASSERT_GT (v->upper, v->page_size);
     struct Case {
@@ -197,7 +192,6 @@ TEST (PannableArea, DrivesChildrenThatScrollThemselves)
 TEST (PannableArea, ATapFocusesAnEntryInside)
 {
     REQUIRE_XTEST ();
-    GtkWidget *window = make_test_window (400, 300);
     GtkWidget *area = kivo_pannable_area_new ();
     GtkWidget *box = gtk_vbox_new (FALSE, 0);
     GtkWidget *first = gtk_entry_new ();
@@ -205,9 +199,7 @@ TEST (PannableArea, ATapFocusesAnEntryInside)
     gtk_box_pack_start (GTK_BOX (box), first, FALSE, FALSE, 0);
     gtk_box_pack_start (GTK_BOX (box), second, FALSE, FALSE, 0);
     kivo_pannable_area_add_with_viewport (KIVO_PANNABLE_AREA (area), box);
-    gtk_container_add (GTK_CONTAINER (window), area);
-    gtk_widget_show_all (window);
-    flush_events ();
+    GtkWidget *window = make_test_window (400, 300, area);
     gtk_widget_grab_focus (first);
     PointerDriver::tap (second, 30, second->allocation.height / 2);
     flush_events ();

@@ -54,7 +54,6 @@ TEST (KivoButton, IsAtLeastFingerOrThumbHigh)
 TEST (PickerButton, ATapOnARowUpdatesTheValue)
 {
     REQUIRE_XTEST ();
-    GtkWidget *window = make_test_window (400, 200);
     GtkWidget *button = kivo_picker_button_new (KIVO_SIZE_FINGER_HEIGHT, KIVO_BUTTON_ARRANGEMENT_VERTICAL);
     KivoPickerButton *picker = KIVO_PICKER_BUTTON (button);
     GtkWidget *column = kivo_touch_selector_new_text ();
@@ -74,9 +73,7 @@ TEST (PickerButton, ATapOnARowUpdatesTheValue)
     EXPECT_STREQ (value_of (button), "Monday") << "a bad row changes nothing";
     int changes = 0;
     count_signal (button, "value-changed", &changes);
-    gtk_container_add (GTK_CONTAINER (window), button);
-    gtk_widget_show_all (window);
-    flush_events ();
+    GtkWidget *window = make_test_window (400, 200, button);
 
     PointerDriver::tap (button, 40, 20);
     ASSERT_TRUE (run_main_loop_until ([picker] {
@@ -182,12 +179,9 @@ TEST (TimeButton, RoundTripsTimes)
 TEST (CheckButton, IsAToggleButtonAndTogglesOnATap)
 {
     REQUIRE_XTEST ();
-    GtkWidget *window = make_test_window (300, 100);
     GtkWidget *check = kivo_check_button_new_with_label (KIVO_SIZE_FINGER_HEIGHT, "Hide done tasks");
     EXPECT_TRUE (GTK_IS_TOGGLE_BUTTON (check));
-    gtk_container_add (GTK_CONTAINER (window), check);
-    gtk_widget_show_all (window);
-    flush_events ();
+    GtkWidget *window = make_test_window (300, 100, check);
     EXPECT_GE (check->allocation.height, KIVO_FINGER_HEIGHT);
     EXPECT_FALSE (kivo_check_button_get_active (KIVO_CHECK_BUTTON (check)));
     PointerDriver::tap (check, 150, 30);

@@ -18,8 +18,8 @@ namespace {
 constexpr int kPastTheDelay = KIVO_TAP_AND_HOLD_DELAY_MS + 100;
 
 struct HoldFixture {
-    GtkWidget *window = make_test_window (300, 200);
     GtkWidget *target = gtk_event_box_new ();
+    GtkWidget *window = nullptr;
     int queries = 0, holds = 0, releases = 0;
     bool refuse = false;
     GdkEventType query_event_type = GDK_NOTHING;
@@ -27,7 +27,6 @@ struct HoldFixture {
     HoldFixture ()
     {
         gtk_widget_set_can_focus (target, TRUE);
-        gtk_container_add (GTK_CONTAINER (window), target);
         g_signal_connect (target, "tap-and-hold-query", G_CALLBACK (+[] (GtkWidget *, GdkEvent *event, gpointer d) -> gboolean {
             auto *f = static_cast<HoldFixture *> (d);
             f->queries++;
@@ -40,8 +39,7 @@ struct HoldFixture {
             return FALSE;
         }), this);
         gtk_widget_tap_and_hold_setup (target, nullptr, nullptr, KIVO_TAP_AND_HOLD_NONE);
-        gtk_widget_show_all (window);
-        flush_events ();
+        window = make_test_window (300, 200, target);
     }
     ~HoldFixture () { gtk_widget_destroy (window); }
 };
@@ -175,7 +173,6 @@ TEST (TapAndHold, AMenuUnderTheFingerIgnoresItsLift)
 TEST (TapAndHold, WorksInsideAPannableArea)
 {
     REQUIRE_XTEST ();
-    GtkWidget *window = make_test_window (300, 200);
     GtkWidget *area = kivo_pannable_area_new ();
     GtkWidget *box = gtk_event_box_new ();
     gtk_widget_set_size_request (box, -1, 600);
@@ -183,9 +180,7 @@ TEST (TapAndHold, WorksInsideAPannableArea)
     count_signal (box, "tap-and-hold", &holds);
     gtk_widget_tap_and_hold_setup (box, nullptr, nullptr, KIVO_TAP_AND_HOLD_NONE);
     kivo_pannable_area_add_with_viewport (KIVO_PANNABLE_AREA (area), box);
-    gtk_container_add (GTK_CONTAINER (window), area);
-    gtk_widget_show_all (window);
-    flush_events ();
+    GtkWidget *window = make_test_window (300, 200, area);
 
     PointerDriver::move_to (area, 100, 100);
     PointerDriver::press (1);
