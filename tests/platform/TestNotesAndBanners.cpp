@@ -1,4 +1,4 @@
-/* Banners, confirmation notes and context menus. */
+/* Banners, confirmation notes and wizard dialogs. */
 
 #include "KivoBanner.h"
 #include "KivoDialogs.h"
@@ -53,9 +53,8 @@ TEST (Banner, StacksClosesUpAndDisappearsByItself)
     flush_events ();
     EXPECT_EQ (top_of (second), first_top) << "it moves up into the free place";
 
-    bool destroyed = false;
-    g_signal_connect (second, "destroy", G_CALLBACK (+[] (GtkWidget *, gpointer d) { *static_cast<bool *> (d) = true; }),
-                      &destroyed);
+    int destroyed = 0;
+    count_signal (second, "destroy", &destroyed);
     ASSERT_TRUE (run_main_loop_until ([&] { return destroyed; }, KIVO_BANNER_TIMEOUT_MS + 2000));
     EXPECT_GE ((g_get_monotonic_time () - start) / 1000, KIVO_BANNER_TIMEOUT_MS - 200);
     EXPECT_EQ (visible_banners (), 0u);
@@ -95,19 +94,6 @@ TEST (ConfirmationNote, AnswersGtkDialogRun)
     EXPECT_EQ (kivo_note_get_cancel_button (KIVO_NOTE (info)), nullptr);
     gtk_widget_destroy (info);
     gtk_widget_destroy (window);
-}
-
-TEST (ContextMenu, HasFingerSizedItems)
-{
-    REQUIRE_DISPLAY ();
-    GtkWidget *menu = kivo_gtk_menu_new ();
-    GtkWidget *item = gtk_menu_item_new_with_label ("Edit");
-    gtk_menu_shell_append (GTK_MENU_SHELL (menu), item);
-    gtk_widget_show_all (menu);
-    GtkRequisition request;
-    gtk_widget_size_request (item, &request);
-    EXPECT_GE (request.height, 56) << "a finger can hit it";
-    gtk_widget_destroy (menu);
 }
 
 TEST (WizardDialog, ButtonsFollowThePages)

@@ -139,6 +139,9 @@ TEST (TapAndHold, AMenuUnderTheFingerIgnoresItsLift)
         GtkWidget *item = gtk_menu_item_new_with_label ("Edit");
         gtk_menu_shell_append (GTK_MENU_SHELL (menu), item);
         gtk_widget_show_all (menu);
+        GtkRequisition request;
+        gtk_widget_size_request (item, &request);
+        EXPECT_GE (request.height, 56) << "a finger can hit the item";
         int activated = 0;
         count_signal (item, "activate", &activated);
         GtkWidget *unused = kivo_gtk_menu_new ();

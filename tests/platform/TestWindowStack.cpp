@@ -100,13 +100,12 @@ TEST (WindowStack, AStackedWindowCoversTheOneBelowAndItsBackButtonClosesIt)
     EXPECT_EQ (gtk_window_get_transient_for (GTK_WINDOW (above)), GTK_WINDOW (below));
 
     /* The back button sits at the right end of the title area. */
-    bool destroyed = false;
-    g_signal_connect (above, "destroy", G_CALLBACK (+[] (GtkWidget *, gpointer d) { *static_cast<bool *> (d) = true; }),
-                      &destroyed);
+    int destroyed = 0;
+    count_signal (above, "destroy", &destroyed);
     const int back_x = title_area (above)->allocation.width - 30, back_y = title_area (above)->allocation.height / 2;
     PointerDriver::tap (title_area (above), back_x, back_y);
     flush_events ();
-    EXPECT_TRUE (destroyed);
+    EXPECT_EQ (destroyed, 1);
     EXPECT_EQ (kivo_window_stack_peek (kivo_window_stack_get_default ()), below);
     EXPECT_TRUE (kivo_stackable_window_get_is_topmost (KIVO_STACKABLE_WINDOW (below)));
     /* The bottom window has no way back. */
@@ -157,12 +156,11 @@ TEST (WindowStack, CloseRequestGoesThroughDeleteEvent)
     /* Unhandled, the request destroys the window. */
     gtk_widget_show (window);
     flush_events ();
-    bool destroyed = false;
-    g_signal_connect (window, "destroy", G_CALLBACK (+[] (GtkWidget *, gpointer d) { *static_cast<bool *> (d) = true; }),
-                      &destroyed);
+    int destroyed = 0;
+    count_signal (window, "destroy", &destroyed);
     kivo_stackable_window_request_close (KIVO_STACKABLE_WINDOW (window));
     flush_events ();
-    EXPECT_TRUE (destroyed);
+    EXPECT_EQ (destroyed, 1);
 }
 
 TEST (AppMenu, OpensFromTheTitleAreaLaysOutItsItemsAndClosesAfterATap)
