@@ -267,24 +267,28 @@ kivo_app_menu_add_filter (KivoAppMenu *menu, GtkButton *filter)
     relayout_items (menu);
 }
 
+/* A list the caller frees (not its widgets), in the menu's order. */
+static GList *
+to_list (const std::vector<GtkWidget *> &widgets)
+{
+    GList *list = nullptr;
+    for (auto it = widgets.rbegin (); it != widgets.rend (); ++it)
+        list = g_list_prepend (list, *it);
+    return list;
+}
+
 GList *
 kivo_app_menu_get_items (KivoAppMenu *menu)
 {
     g_return_val_if_fail (KIVO_IS_APP_MENU (menu), NULL);
-    GList *list = nullptr;
-    for (GtkWidget *item : menu->priv->items)
-        list = g_list_append (list, item);
-    return list;
+    return to_list (menu->priv->items);
 }
 
 GList *
 kivo_app_menu_get_filters (KivoAppMenu *menu)
 {
     g_return_val_if_fail (KIVO_IS_APP_MENU (menu), NULL);
-    GList *list = nullptr;
-    for (GtkWidget *filter : menu->priv->filters)
-        list = g_list_append (list, filter);
-    return list;
+    return to_list (menu->priv->filters);
 }
 
 void
