@@ -115,18 +115,7 @@ kivo_app_menu_key_press_event (GtkWidget *widget, GdkEventKey *event)
 static gboolean
 kivo_app_menu_expose_event (GtkWidget *widget, GdkEventExpose *event)
 {
-    cairo_t *cr = gdk_cairo_create (widget->window);
-    gdk_cairo_region (cr, event->region);
-    cairo_clip (cr);
-    cairo_rectangle (cr, 0, 0, widget->allocation.width, widget->allocation.height);
-    kivo_style_set_source (cr, KIVO_COLOR_BACKGROUND, 1.0);
-    cairo_fill_preserve (cr);
-    kivo_style_set_source (cr, KIVO_COLOR_BORDER, 1.0);
-    cairo_set_line_width (cr, 2.0);
-    cairo_stroke (cr);
-    cairo_destroy (cr);
-    if (GtkWidget *child = gtk_bin_get_child (GTK_BIN (widget)))
-        gtk_container_propagate_expose (GTK_CONTAINER (widget), child, event);
+    kivo_style_paint_framed (widget, event, KIVO_COLOR_BORDER, 2.0);
     return FALSE;
 }
 
@@ -278,24 +267,28 @@ kivo_app_menu_add_filter (KivoAppMenu *menu, GtkButton *filter)
     relayout_items (menu);
 }
 
+/* A list the caller frees (not its widgets), in the menu's order. */
+static GList *
+to_list (const std::vector<GtkWidget *> &widgets)
+{
+    GList *list = nullptr;
+    for (auto it = widgets.rbegin (); it != widgets.rend (); ++it)
+        list = g_list_prepend (list, *it);
+    return list;
+}
+
 GList *
 kivo_app_menu_get_items (KivoAppMenu *menu)
 {
     g_return_val_if_fail (KIVO_IS_APP_MENU (menu), NULL);
-    GList *list = nullptr;
-    for (GtkWidget *item : menu->priv->items)
-        list = g_list_append (list, item);
-    return list;
+    return to_list (menu->priv->items);
 }
 
 GList *
 kivo_app_menu_get_filters (KivoAppMenu *menu)
 {
     g_return_val_if_fail (KIVO_IS_APP_MENU (menu), NULL);
-    GList *list = nullptr;
-    for (GtkWidget *filter : menu->priv->filters)
-        list = g_list_append (list, filter);
-    return list;
+    return to_list (menu->priv->filters);
 }
 
 void

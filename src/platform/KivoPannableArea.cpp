@@ -9,6 +9,7 @@
 #include <cmath>
 #include <initializer_list>
 #include <new>
+#include <utility>
 
 enum {
     PROP_0,
@@ -802,13 +803,11 @@ kivo_pannable_area_grab_broken_event (GtkWidget *widget, GdkEventGrabBroken *eve
     /* Someone (a popup menu) took the pointer: the gesture ends here. */
     KivoPannableArea *area = KIVO_PANNABLE_AREA (widget);
     auto *priv = area->priv;
-    if (priv->gesture.state == Gesture::Panning) {
+    if (priv->gesture.state != Gesture::Idle) {
         priv->hscroll.stop ();
         priv->vscroll.stop ();
-        start_animation (area); /* springs back from any overshoot */
-    } else if (priv->gesture.state != Gesture::Idle) {
-        priv->hscroll.stop ();
-        priv->vscroll.stop ();
+        if (priv->gesture.state == Gesture::Panning)
+            start_animation (area); /* springs back from any overshoot */
     }
     reset_gesture (area);
     return FALSE;
@@ -951,13 +950,9 @@ kivo_pannable_area_scroll_to (KivoPannableArea *area, gint x, gint y)
     g_return_if_fail (KIVO_IS_PANNABLE_AREA (area));
     auto *priv = area->priv;
     stop_animation (area);
-    if (x >= 0) {
-        GtkAdjustment *h = priv->hadjustment.get ();
-        gtk_adjustment_set_value (h, CLAMP (x + h->lower, h->lower, MAX (h->lower, h->upper - h->page_size)));
-    }
-    if (y >= 0) {
-        GtkAdjustment *v = priv->vadjustment.get ();
-        gtk_adjustment_set_value (v, CLAMP (y + v->lower, v->lower, MAX (v->lower, v->upper - v->page_size)));
+    for (auto [offset, a] : { std::pair (x, priv->hadjustment.get ()), std::pair (y, priv->vadjustment.get ()) }) {
+        if (offset >= 0)
+            gtk_adjustment_set_value (a, CLAMP (offset + a->lower, a->lower, MAX (a->lower, a->upper - a->page_size)));
     }
     priv->hscroll.jump_to (gtk_adjustment_get_value (priv->hadjustment.get ()));
     priv->vscroll.jump_to (gtk_adjustment_get_value (priv->vadjustment.get ()));
@@ -975,16 +970,18 @@ kivo_pannable_area_scroll_to_child (KivoPannableArea *area, GtkWidget *child)
     int x = 0, y = 0;
     if (!content || !gtk_widget_translate_coordinates (child, content, 0, 0, &x, &y))
         return;
-    GtkAdjustment *v = area->priv->vadjustment.get ();
-    GtkAdjustment *h = area->priv->hadjustment.get ();
-    int target_y = -1, target_x = -1;
-    if (y < v->value || y + child->allocation.height > v->value + v->page_size)
-        target_y = MAX (0, y + child->allocation.height - static_cast<int> (v->page_size));
-    if (y < v->value)
-        target_y = y;
-    if (x < h->value || x + child->allocation.width > h->value + h->page_size)
-        target_x = x < h->value ? x : MAX (0, x + child->allocation.width - static_cast<int> (h->page_size));
-    kivo_pannable_area_scroll_to (area, target_x, target_y);
+    /* Along each axis: where the child starts before the view, its start
+     * goes to the view's start; where it ends past the view, its end goes
+     * to the view's end; -1 where it is in view already. */
+    auto target = [] (int start, int length, GtkAdjustment *a) {
+        if (start < a->value)
+            return start;
+        if (start + length > a->value + a->page_size)
+            return MAX (0, start + length - static_cast<int> (a->page_size));
+        return -1;
+    };
+    kivo_pannable_area_scroll_to (area, target (x, child->allocation.width, area->priv->hadjustment.get ()),
+                                  target (y, child->allocation.height, area->priv->vadjustment.get ()));
 }
 
 GtkAdjustment *

@@ -361,21 +361,27 @@ kivo_style_paint_surface (GdkWindow *window, const GdkRectangle *clip, int x, in
     cairo_destroy (cr);
 }
 
+void
+kivo_style_paint_framed (GtkWidget *widget, GdkEventExpose *event, KivoColorRole border, double line_width)
+{
+    cairo_t *cr = gdk_cairo_create (widget->window);
+    gdk_cairo_region (cr, event->region);
+    cairo_clip (cr);
+    cairo_rectangle (cr, 0, 0, widget->allocation.width, widget->allocation.height);
+    kivo_style_set_source (cr, KIVO_COLOR_BACKGROUND, 1.0);
+    cairo_fill_preserve (cr);
+    kivo_style_set_source (cr, border, 1.0);
+    cairo_set_line_width (cr, line_width);
+    cairo_stroke (cr);
+    cairo_destroy (cr);
+    if (GtkWidget *child = gtk_bin_get_child (GTK_BIN (widget)))
+        gtk_container_propagate_expose (GTK_CONTAINER (widget), child, event);
+}
+
 static gboolean
 on_dialog_expose_cb (GtkWidget *window, GdkEventExpose *event, gpointer)
 {
-    cairo_t *cr = gdk_cairo_create (window->window);
-    gdk_cairo_region (cr, event->region);
-    cairo_clip (cr);
-    cairo_rectangle (cr, 0, 0, window->allocation.width, window->allocation.height);
-    kivo_style_set_source (cr, KIVO_COLOR_BACKGROUND, 1.0);
-    cairo_fill_preserve (cr);
-    kivo_style_set_source (cr, KIVO_COLOR_TITLE_BAR, 1.0);
-    cairo_set_line_width (cr, 3.0);
-    cairo_stroke (cr);
-    cairo_destroy (cr);
-    if (GtkWidget *child = gtk_bin_get_child (GTK_BIN (window)))
-        gtk_container_propagate_expose (GTK_CONTAINER (window), child, event);
+    kivo_style_paint_framed (window, event, KIVO_COLOR_TITLE_BAR, 3.0);
     return TRUE;
 }
 

@@ -61,6 +61,9 @@ void kivo_style_paint_surface (GdkWindow *window, const GdkRectangle *clip, int 
 /* Gives a dialog (or popup) the layer's frame: our background, a dark
  * outline (there is no window manager frame on the handheld) and, for a
  * GtkDialog, @title in bold at the top of its content (NULL: none). */
+/* Paints a window-like @widget's background framed in @border of @line_width
+ * within @event's region, then its child. */
+void kivo_style_paint_framed (GtkWidget *widget, GdkEventExpose *event, KivoColorRole border, double line_width);
 void kivo_style_decorate_dialog (GtkWidget *window, const char *title);
 
 G_END_DECLS

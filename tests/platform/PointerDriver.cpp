@@ -18,46 +18,42 @@ bool PointerDriver::available ()
     return have_display () && XTestQueryExtension (xdisplay (), &event_base, &error_base, &major, &minor);
 }
 
-void PointerDriver::to_root (GtkWidget *widget, int x, int y, int *root_x, int *root_y)
+/* Sends what XTest queued and lets GTK handle it. */
+static void deliver ()
 {
-    int ox = 0, oy = 0;
-    gdk_window_get_origin (widget->window, &ox, &oy);
-    if (gtk_widget_get_has_window (widget) && !GTK_IS_WINDOW (widget)) {
-        /* widget->window is the widget's own; allocation is in the parent. */
-    } else if (!GTK_IS_WINDOW (widget)) {
-        ox += widget->allocation.x;
-        oy += widget->allocation.y;
-    }
-    *root_x = ox + x;
-    *root_y = oy + y;
+    XFlush (xdisplay ());
+    flush_events ();
 }
 
 void PointerDriver::move_root (int x, int y)
 {
     XTestFakeMotionEvent (xdisplay (), -1, x, y, CurrentTime);
-    XFlush (xdisplay ());
-    flush_events ();
+    deliver ();
 }
 
 void PointerDriver::move_to (GtkWidget *widget, int x, int y)
 {
+    /* A widget without a window of its own (or a top level) is placed by
+     * its allocation within its parent's window. */
     int rx = 0, ry = 0;
-    to_root (widget, x, y, &rx, &ry);
-    move_root (rx, ry);
+    gdk_window_get_origin (widget->window, &rx, &ry);
+    if (!gtk_widget_get_has_window (widget) && !GTK_IS_WINDOW (widget)) {
+        rx += widget->allocation.x;
+        ry += widget->allocation.y;
+    }
+    move_root (rx + x, ry + y);
 }
 
 void PointerDriver::press (guint button)
 {
     XTestFakeButtonEvent (xdisplay (), button, True, CurrentTime);
-    XFlush (xdisplay ());
-    flush_events ();
+    deliver ();
 }
 
 void PointerDriver::release (guint button)
 {
     XTestFakeButtonEvent (xdisplay (), button, False, CurrentTime);
-    XFlush (xdisplay ());
-    flush_events ();
+    deliver ();
 }
 
 void PointerDriver::tap (GtkWidget *widget, int x, int y)
@@ -80,33 +76,30 @@ void PointerDriver::drag (GtkWidget *widget, int x0, int y0, int x1, int y1, int
         release (1);
 }
 
-void PointerDriver::key (guint keyval, bool shift)
-{
-    Display *display = xdisplay ();
-    const KeyCode shift_code = XKeysymToKeycode (display, XK_Shift_L);
-    const KeyCode code = XKeysymToKeycode (display, keyval);
-    if (shift)
-        XTestFakeKeyEvent (display, shift_code, True, CurrentTime);
-    XTestFakeKeyEvent (display, code, True, CurrentTime);
-    XTestFakeKeyEvent (display, code, False, CurrentTime);
-    if (shift)
-        XTestFakeKeyEvent (display, shift_code, False, CurrentTime);
-    XFlush (display);
-    flush_events ();
-}
-
 void PointerDriver::wait (int ms)
 {
     const gint64 end = g_get_monotonic_time () + ms * 1000;
     run_main_loop_until ([end] { return g_get_monotonic_time () >= end; }, ms + 1000);
 }
 
-GtkWidget *make_test_window (int width, int height)
+GtkWidget *make_test_window (int width, int height, GtkWidget *child)
 {
     GtkWidget *window = gtk_window_new (GTK_WINDOW_TOPLEVEL);
     gtk_window_set_default_size (GTK_WINDOW (window), width, height);
     gtk_window_move (GTK_WINDOW (window), 20, 20);
+    if (child) {
+        gtk_container_add (GTK_CONTAINER (window), child);
+        gtk_widget_show_all (window);
+        flush_events ();
+    }
     return window;
+}
+
+void count_signal (gpointer instance, const char *signal, int *counter)
+{
+    /* Every handler's first argument is the instance and its last the data;
+     * the ones between are not read, so one counting function serves all. */
+    g_signal_connect_swapped (instance, signal, G_CALLBACK (+[] (gpointer d) { ++*static_cast<int *> (d); }), counter);
 }
 
 } // namespace tav::test

@@ -1,10 +1,12 @@
 /* Real input for widget tests: XTest moves the X server's pointer and
- * presses its buttons and keys, so GTK sees exactly what a finger or a mouse
- * would produce (implicit grabs, crossings, motion). */
+ * presses its buttons, so GTK sees exactly what a finger or a mouse would
+ * produce (implicit grabs, crossings, motion). */
 #ifndef TAV_TEST_POINTER_DRIVER_H
 #define TAV_TEST_POINTER_DRIVER_H
 
 #include <gtk/gtk.h>
+
+#include <functional>
 
 namespace tav::test {
 
@@ -19,17 +21,25 @@ public:
     static void tap (GtkWidget *widget, int x, int y);
     /* Press at (x0, y0), move in @steps steps of @step_ms to (x1, y1). */
     static void drag (GtkWidget *widget, int x0, int y0, int x1, int y1, int steps, int step_ms, bool release_at_end);
-    static void key (guint keyval, bool shift = false);
-    /* Root coordinates of (@x, @y) in @widget. */
-    static void to_root (GtkWidget *widget, int x, int y, int *root_x, int *root_y);
     /* Lets the main loop run for @ms milliseconds. */
     static void wait (int ms);
     static bool available ();
 };
 
-/* A top-level window at a fixed place, realised and shown. */
-GtkWidget *make_test_window (int width, int height);
+/* A top-level window at a fixed place; with @child, holding it, shown and
+ * drawn. */
+GtkWidget *make_test_window (int width, int height, GtkWidget *child = nullptr);
+
+/* Connects a handler that only counts its calls into @counter. */
+void count_signal (gpointer instance, const char *signal, int *counter);
 
 } // namespace tav::test
+
+#define REQUIRE_XTEST()                                                \
+    do {                                                               \
+        REQUIRE_DISPLAY ();                                            \
+        if (!tav::test::PointerDriver::available ())                   \
+            GTEST_SKIP () << "no XTest on the display";                \
+    } while (0)
 
 #endif /* TAV_TEST_POINTER_DRIVER_H */
