@@ -333,15 +333,24 @@ deliver (KivoPannableArea *area, const GdkEvent *source)
     gdk_event_free (event);
 }
 
-static void
-deliver_pending_press (KivoPannableArea *area)
+/* Stops the press delay and hands over the press the child has not seen
+ * yet (NULL when there is none); the caller delivers or frees it. */
+template <typename G>
+static GdkEvent *
+take_pending_press (G &gesture)
 {
-    auto &gesture = area->priv->gesture;
     if (gesture.delay_id) {
         g_source_remove (gesture.delay_id);
         gesture.delay_id = 0;
     }
-    if (GdkEvent *press = std::exchange (gesture.pending_press, nullptr)) {
+    return std::exchange (gesture.pending_press, nullptr);
+}
+
+static void
+deliver_pending_press (KivoPannableArea *area)
+{
+    auto &gesture = area->priv->gesture;
+    if (GdkEvent *press = take_pending_press (gesture)) {
         gesture.press_delivered = true;
         deliver (area, press);
         gdk_event_free (press);
@@ -352,14 +361,8 @@ static void
 reset_gesture (KivoPannableArea *area)
 {
     auto &gesture = area->priv->gesture;
-    if (gesture.delay_id) {
-        g_source_remove (gesture.delay_id);
-        gesture.delay_id = 0;
-    }
-    if (gesture.pending_press) {
-        gdk_event_free (gesture.pending_press);
-        gesture.pending_press = nullptr;
-    }
+    if (GdkEvent *press = take_pending_press (gesture))
+        gdk_event_free (press);
     gesture.state = Gesture::Idle;
     gesture.press_delivered = false;
     gesture.target = Target ();
@@ -738,14 +741,8 @@ kivo_pannable_area_motion_notify_event (GtkWidget *widget, GdkEventMotion *event
          * the pointer left it, so it drops its pressed state. */
         if (gesture.press_delivered)
             send_crossing (gesture.target, GDK_LEAVE_NOTIFY, event->time, event->x_root, event->y_root);
-        if (gesture.delay_id) {
-            g_source_remove (gesture.delay_id);
-            gesture.delay_id = 0;
-        }
-        if (gesture.pending_press) {
-            gdk_event_free (gesture.pending_press);
-            gesture.pending_press = nullptr;
-        }
+        if (GdkEvent *press = take_pending_press (gesture))
+            gdk_event_free (press);
         gesture.state = Gesture::Panning;
     }
 
