@@ -18,5 +18,6 @@
 #include "calendarui/TavCalendarView.h"
 #include "calendarui/TavCalendar.h"
 #include "calendarui/TavWeekView.h"
+#include "calendarui/TavHomeApplet.h"
 
 #endif /* CALENDARUI_H */

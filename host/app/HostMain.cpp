@@ -4,10 +4,12 @@
  *   tav-calendar --import FILE.ics [--import ...] [--open]
  *   tav-calendar --export FILE.ics
  *   tav-calendar --screenshot DIR
+ *   tav-calendar --applet [--db PATH | --demo]
  *
  * Exit status: 0 success, 1 an import or export failed, 2 bad arguments or
  * a store that cannot be opened, 3 no display for the window.
  */
+#include "HostApplet.h"
 #include "HostCalendarSet.h"
 #include "HostCivilTime.h"
 #include "HostDemo.h"
@@ -42,6 +44,7 @@ struct Options {
     char *screenshot = nullptr;
     gboolean demo = FALSE;
     gboolean open = FALSE;
+    gboolean applet = FALSE;
 
     ~Options ()
     {
@@ -137,6 +140,7 @@ int main (int argc, char **argv)
         {"view", 0, 0, G_OPTION_ARG_STRING, &opt.view, "The view to show first", "NAME"},
         {"date", 0, 0, G_OPTION_ARG_STRING, &opt.date, "The day to show", "YYYY-MM-DD"},
         {"screenshot", 0, 0, G_OPTION_ARG_FILENAME, &opt.screenshot, "Render each view at 800x480 to DIR/<view>.png and exit", "DIR"},
+        {"applet", 0, 0, G_OPTION_ARG_NONE, &opt.applet, "Show the home-screen applet instead of the calendar", nullptr},
         {nullptr, 0, 0, G_OPTION_ARG_NONE, nullptr, nullptr, nullptr},
     };
     GOptionContext *context = g_option_context_new ("- the calendar");
@@ -290,8 +294,11 @@ int main (int argc, char **argv)
             status = 3;
         } else if (opt.screenshot) {
             app.focus = focus;
-            const int shot = render_views (app, opt.screenshot);
+            int shot = render_views (app, opt.screenshot);
+            shot = shot ? shot : render_applet (app, opt.screenshot);
             status = status ? status : shot;
+        } else if (opt.applet) {
+            run_applet (app);
         } else {
             app.build (false);
             gtk_widget_show_all (app.window);
