@@ -185,7 +185,9 @@ static Row make_row (const AppletInstance &instance, LocalSeconds now, bool twel
     row.title = row_title (instance);
     char *location = nullptr;
     g_object_get (instance.entry, "location", &location, NULL);
-    row.location = location ? location : "";
+    /* The entry keeps the place as given: show what is readable of it. */
+    tav::GCharPtr valid (g_utf8_make_valid (location ? location : "", -1));
+    row.location = valid.get ();
     g_free (location);
     return row;
 }
@@ -391,8 +393,11 @@ void set_layout (PangoLayout *layout, const PangoFontDescription *font, const st
     pango_layout_set_font_description (layout, font);
     if (markup)
         pango_layout_set_markup (layout, text.c_str (), -1);
-    else
+    else {
+        /* Plain text: drop the attributes of the last markup. */
+        pango_layout_set_attributes (layout, NULL);
         pango_layout_set_text (layout, text.c_str (), -1);
+    }
     pango_layout_set_width (layout, std::max (1, width) * PANGO_SCALE);
     pango_layout_set_ellipsize (layout, PANGO_ELLIPSIZE_END);
     pango_layout_set_single_paragraph_mode (layout, TRUE);
@@ -510,18 +515,20 @@ static void applet_paint (TavHomeApplet *applet, cairo_t *cr)
         set_layout (layout.get (), title_font.get (), row.title, x + w - 10 - title_x);
         show_text (cr, layout.get (), title_x, title_y, title_color);
 
-        std::string detail;
-        {
-            tav::GCharPtr when (g_markup_escape_text (row.when.c_str (), -1));
-            detail = std::string ("<b>") + when.get () + "</b>";
-            if (!row.location.empty ()) {
-                tav::GCharPtr location (g_markup_escape_text (row.location.c_str (), -1));
-                detail += std::string ("  \xc2\xb7  ") + location.get ();
-            }
+        /* The time in bold (in the accent colour while it is on), then
+         * the place in what room is left. */
+        const int detail_x = x + 24, detail_right = x + w - 10;
+        tav::GCharPtr when (g_markup_printf_escaped ("<b>%s</b>", row.when.c_str ()));
+        set_layout (layout.get (), detail_font.get (), when.get (), detail_right - detail_x, true);
+        int when_width;
+        pango_layout_get_pixel_size (layout.get (), &when_width, &lh);
+        const int detail_y = y + h - 7 - lh;
+        show_text (cr, layout.get (), detail_x, detail_y, row.now ? now_color : detail_color);
+        const int place_x = detail_x + when_width;
+        if (!row.location.empty () && detail_right - place_x > 24) {
+            set_layout (layout.get (), detail_font.get (), "  \xc2\xb7  " + row.location, detail_right - place_x);
+            show_text (cr, layout.get (), place_x, detail_y, detail_color);
         }
-        set_layout (layout.get (), detail_font.get (), detail, x + w - 10 - (x + 24), true);
-        pango_layout_get_pixel_size (layout.get (), &lw, &lh);
-        show_text (cr, layout.get (), x + 24, y + h - 7 - lh, row.now ? now_color : detail_color);
     }
 }
 

@@ -333,12 +333,15 @@ TEST (AppletWidget, BadInput)
         EXPECT_TRUE (log.has_warning ("No notes in the home applet.")) << log.dump ();
         EXPECT_TRUE (_tav_home_applet_get_instances (f.applet).empty ());
     }
-    /* A title that is not UTF-8 is repaired by the entry, and shown. */
+    /* A title that is not UTF-8 is repaired by the entry, a place by the
+ * applet, and both are shown. */
     TavCalendarEntry *odd = f.add (f.work.get (), make_entry ("x", march (9, 12), march (9, 13)));
     {
         LogCapture log;
-        g_object_set (odd, "title", "A\xff" "B", NULL);
+        g_object_set (odd, "title", "A\xff" "B", "location", "Room\xff", NULL);
     }
     tav_home_applet_reload (f.applet);
-    EXPECT_EQ (_tav_home_applet_describe_row (f.applet, 0), "Today 12:00 | A?B | ");
+    EXPECT_EQ (_tav_home_applet_describe_row (f.applet, 0), "Today 12:00 | A?B | Room\xef\xbf\xbd");
+    /* ...and painted without complaint. */
+    f.show ();
 }
