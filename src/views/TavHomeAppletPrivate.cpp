@@ -104,8 +104,10 @@ struct Place {
 Place place_of (const AppletInstance &instance, LocalSeconds now)
 {
     const bool now_on = is_in_progress (instance, now);
-    /* An all-day event that began before today stands under today. */
-    const int64_t day = std::max (day_of (instance.start), day_of (now));
+    /* An all-day event that began before today stands under today, first
+     * of its all-day events: sorting it by its own first day gives the
+     * same place. */
+    const int64_t day = day_of (instance.start);
     return { now_on ? 0 : 1, now_on ? 0 : day, now_on ? 0 : static_cast<int> (instance.kind), instance.start,
              &instance };
 }
