@@ -2,8 +2,8 @@
 
 #include <calendarui.h>
 
-#include <cmath>
 #include <cstdio>
+#include <ctime>
 
 namespace tav::host {
 
@@ -70,10 +70,12 @@ GtkWidget *make_applet_window (bool offscreen, GtkWidget **applet_out)
 void open_calendar (App *app, const TavDate *date)
 {
     if (!app->window) {
+        /* Closing the calendar hides it; the applet stays. */
         app->build (false);
-        g_signal_connect (app->window, "destroy", G_CALLBACK (gtk_widget_destroyed), &app->window);
-        gtk_widget_show_all (app->window);
+        g_signal_handlers_disconnect_by_func (app->window, reinterpret_cast<gpointer> (gtk_main_quit), nullptr);
+        g_signal_connect (app->window, "delete-event", G_CALLBACK (gtk_widget_hide_on_delete), nullptr);
     }
+    gtk_widget_show_all (app->window);
     if (date) {
         app->open_week (*date);
     } else {
@@ -100,6 +102,17 @@ gboolean on_applet_focus_cb (GtkWidget *, GdkEventFocus *, gpointer applet)
     return FALSE;
 }
 
+/* The time zone file changed (the user picked another zone): the applet
+ * rereads the clock. */
+void on_zone_changed_cb (GFileMonitor *, GFile *, GFile *, GFileMonitorEvent event, gpointer applet)
+{
+    if (event == G_FILE_MONITOR_EVENT_CHANGES_DONE_HINT || event == G_FILE_MONITOR_EVENT_CREATED
+        || event == G_FILE_MONITOR_EVENT_DELETED) {
+        tzset ();
+        tav_home_applet_time_changed (TAV_HOME_APPLET (applet));
+    }
+}
+
 void flush ()
 {
     for (int i = 0; i < 5; ++i) {
@@ -123,8 +136,17 @@ void run_applet (App &app)
     g_signal_connect (applet, "entry-activated", G_CALLBACK (on_entry_activated_cb), &app);
     g_signal_connect (applet, "calendar-activated", G_CALLBACK (on_calendar_activated_cb), &app);
     g_signal_connect (window, "focus-in-event", G_CALLBACK (on_applet_focus_cb), applet);
+    GFile *zone = g_file_new_for_path ("/etc/localtime");
+    GFileMonitor *monitor = g_file_monitor_file (zone, G_FILE_MONITOR_NONE, nullptr, nullptr);
+    if (monitor) {
+        g_signal_connect (monitor, "changed", G_CALLBACK (on_zone_changed_cb), applet);
+    }
     gtk_widget_show_all (window);
     gtk_main ();
+    if (monitor) {
+        g_object_unref (monitor);
+    }
+    g_object_unref (zone);
     if (app.window) {
         gtk_widget_destroy (app.window);
     }

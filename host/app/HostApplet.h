@@ -11,7 +11,8 @@ namespace tav::host {
 
 /* --applet: shows the applet until its window is closed. A tapped row
  * opens the calendar's week on the row's day, a tap elsewhere the
- * calendar on today. */
+ * calendar on today; a change of the system's time zone reaches the
+ * applet as "time-changed". */
 void run_applet (App &app);
 
 /* Renders DIR/applet.png (the applet over @app's calendars) and
