@@ -340,8 +340,15 @@ TEST (AppletWidget, BadInput)
         LogCapture log;
         g_object_set (odd, "title", "A\xff" "B", "location", "Room\xff", NULL);
     }
+    /* An event that ends before it starts lasts a minute. */
+    f.add (f.work.get (), make_entry ("Backwards", march (9, 13), march (9, 11)));
     tav_home_applet_reload (f.applet);
     EXPECT_EQ (_tav_home_applet_describe_row (f.applet, 0), "Today 12:00 | A?B | Room\xef\xbf\xbd");
+    EXPECT_EQ (_tav_home_applet_describe_row (f.applet, 1), "Today 13:00 | Backwards | ");
+    set_now (kMarch, 9, 13, 0);
+    tav_home_applet_time_changed (f.applet);
+    EXPECT_EQ (_tav_home_applet_describe_row (f.applet, 0), "Now | Backwards | ");
+    EXPECT_EQ (f.timer (), "09.03. 13:01 in 60s");
     /* ...and painted without complaint. */
     f.show ();
 }
