@@ -18,5 +18,7 @@
 #include "calendarui/TavCalendarView.h"
 #include "calendarui/TavCalendar.h"
 #include "calendarui/TavWeekView.h"
+#include "calendarui/TavAgendaView.h"
+#include "calendarui/TavDayView.h"
 
 #endif /* CALENDARUI_H */
