@@ -442,3 +442,8 @@ int _tav_agenda_view_get_n_paints (TavAgendaView *agenda_view)
 {
     return agenda_view->priv->n_paints;
 }
+
+int _tav_agenda_view_get_highlight (TavAgendaView *agenda_view)
+{
+    return agenda_view->priv->highlight;
+}

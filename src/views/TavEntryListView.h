@@ -281,13 +281,13 @@ template <class Ops> struct ListView {
         View *view = Ops::cast (cview);
         ViewState<Row> *s = st (view);
         g_return_val_if_fail (stamp != NULL, FALSE);
-        g_return_val_if_fail (TAV_IS_CALENDAR_ENTRY (entry), FALSE);
-        if (s->disposed)
-            return FALSE;
         if (TAV_IS_CALENDAR_NOTE (entry)) {
             TAV_WARNING ("%s", Ops::kNoNotes);
             return FALSE;
         }
+        g_return_val_if_fail (TAV_IS_CALENDAR_ENTRY (entry), FALSE);
+        if (s->disposed)
+            return FALSE;
         List *l = list (view);
         if (TAV_IS_CALENDAR_TASK (entry)) {
             Row *r = Ops::row_new (l, entry, s->theme.icon_todo.c_str (), time_format (view));
@@ -878,8 +878,8 @@ template <class Ops> struct ListView {
             if (after >= 0) {
                 GdkRectangle next;
                 Ops::rect (l, after, &next);
-                if (next.y < kHeaderHeight && next.y > 0)
-                    y = next.y - kHeaderHeight;
+                if (next.y < kPinnedHeight && next.y > 0)
+                    y = next.y - kPinnedHeight;
             }
             rect.y = y;
             Row *r = Ops::row (l, before);

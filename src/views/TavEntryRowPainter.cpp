@@ -38,6 +38,7 @@ constexpr Rgb kPressed { 0.118, 0.533, 0.898 };    /* accent blue */
 constexpr Rgb kAccent { 0.118, 0.533, 0.898 };
 constexpr int kRowHeight = 70;
 constexpr int kHeaderHeight = 40;
+constexpr int kPinnedHeight = 34;
 constexpr int kRadius = 10;
 constexpr int kTimeColumn = 96;
 
@@ -339,8 +340,10 @@ void paint_row (GtkWidget *widget, cairo_t *cr, const Theme &theme, const PaintR
         return;
     }
     case PaintRow::Button: {
-        /* A dashed outline card with a round "+" and the label. */
-        const double y = r.y + 4, h = r.height - 10;
+        /* A dashed outline strip with a round "+" and the label, in the
+         * lower part of the row: a jump to the date leaves the row's top
+         * under the pinned header, and the strip shows whole below it. */
+        const double y = r.y + kPinnedHeight + 3, h = r.height - kPinnedHeight - 5;
         views::rounded_rectangle (cr, r.x + 1, y, r.width - 2, h, kRadius, kRadius);
         set_source (cr, row.pressed ? kPressed : kCard, row.pressed ? 1.0 : 0.5);
         cairo_fill_preserve (cr);
@@ -357,11 +360,11 @@ void paint_row (GtkWidget *widget, cairo_t *cr, const Theme &theme, const PaintR
             cairo_paint (cr);
         } else {
             set_source (cr, row.pressed ? Rgb { 1, 1, 1 } : kAccent);
-            cairo_arc (cr, cx, cy, 16, 0, 2 * M_PI);
+            cairo_arc (cr, cx, cy, 12, 0, 2 * M_PI);
             cairo_fill (cr);
             set_source (cr, row.pressed ? kAccent : Rgb { 1, 1, 1 });
-            cairo_rectangle (cr, cx - 8, cy - 1.5, 16, 3);
-            cairo_rectangle (cr, cx - 1.5, cy - 8, 3, 16);
+            cairo_rectangle (cr, cx - 7, cy - 1.5, 14, 3);
+            cairo_rectangle (cr, cx - 1.5, cy - 7, 3, 14);
             cairo_fill (cr);
         }
         auto font = font_of (theme.font_title, 0.75);
@@ -439,14 +442,16 @@ void paint_row (GtkWidget *widget, cairo_t *cr, const Theme &theme, const PaintR
 void paint_pinned_header (GtkWidget *widget, cairo_t *cr, const Theme &theme, const PaintRow &row, int width)
 {
     cairo_save (cr);
-    GdkRectangle band = { 0, row.rect.y, width, kHeaderHeight };
+    GdkRectangle band = { 0, row.rect.y, width, kPinnedHeight };
     cairo_rectangle (cr, band.x, band.y, band.width, band.height);
     set_source (cr, kPage, 0.96);
     cairo_fill (cr);
     cairo_rectangle (cr, 0, band.y + band.height - 1, width, 1);
     set_source (cr, kCardLine);
     cairo_fill (cr);
-    paint_header_text (widget, cr, theme, row);
+    PaintRow pinned = row;
+    pinned.rect.height = kPinnedHeight;
+    paint_header_text (widget, cr, theme, pinned);
     cairo_restore (cr);
 }
 

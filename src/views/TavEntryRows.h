@@ -41,6 +41,8 @@ constexpr int kHeaderHeight = 40;
 constexpr int kRowHeight = 70;
 constexpr int kRowX = 16;
 constexpr int kNoEntriesHour = 23;
+/* The height of the date header pinned over the top edge. */
+constexpr int kPinnedHeight = 34;
 
 /* What differs between the two records; specialised next to each list. */
 template <class Row> struct RowTraits;
