@@ -70,6 +70,7 @@ struct AgendaOps {
     static Row *row (List *l, int n) { return agenda_entry_list_get_agenda_entry (l, n); }
     static int find_entry (List *l, TavCalendarEntry *e) { return agenda_entry_list_find_entry (l, e); }
     static int find_header (List *l, const TavDate *d) { return agenda_entry_list_find_header (l, d); }
+    static bool has_header (List *l, const TavDate *d) { return agenda_entry_list_has_header (l, d); }
     static int find_no_entries (List *l) { return agenda_entry_list_find_no_entry_header (l); }
     static void remove (List *l, int n) { agenda_entry_list_remove (l, n); }
     static void remove_empty_headers (List *l) { agenda_entry_list_remove_headers_if_empty (l); }

@@ -219,7 +219,7 @@ template <class Ops> struct ListView {
     static void append_header_for_row (View *view, Row *r)
     {
         List *l = list (view);
-        if (Ops::find_header (l, &r->date) >= 0 || !tav_date_is_valid (&r->date))
+        if (Ops::has_header (l, &r->date) || !tav_date_is_valid (&r->date))
             return;
         const int weekday = tav_calendar_processor_date_to_day_of_week (processor (view), &r->date);
         GCharPtr text (tav_date_to_string_format (&r->date, TavDateLongFormat, weekday));
