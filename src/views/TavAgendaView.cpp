@@ -164,9 +164,7 @@ static void tav_agenda_view_set_property (GObject *object, guint prop_id, const 
         break;
     }
     case PROP_TIME_24HR_FORMAT:
-        agenda_view->priv->time_24hr = g_value_get_boolean (value);
-        /* The shown times follow at the next read. */
-        Impl::invalidate (agenda_view);
+        Impl::set_time_24hr (agenda_view, g_value_get_boolean (value));
         break;
     default:
         G_OBJECT_WARN_INVALID_PROPERTY_ID (object, prop_id, pspec);

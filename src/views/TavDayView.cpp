@@ -152,9 +152,7 @@ static void tav_day_view_set_property (GObject *object, guint prop_id, const GVa
         break;
     }
     case PROP_TIME_24HR_FORMAT:
-        day_view->priv->time_24hr = g_value_get_boolean (value);
-        /* The shown times follow at the next read. */
-        Impl::invalidate (day_view);
+        Impl::set_time_24hr (day_view, g_value_get_boolean (value));
         break;
     default:
         G_OBJECT_WARN_INVALID_PROPERTY_ID (object, prop_id, pspec);

@@ -938,6 +938,24 @@ template <class Ops> struct ListView {
         }
     }
 
+    /* The clock changed: every time column is written again. */
+    static void set_time_24hr (View *view, bool on)
+    {
+        ViewState<Row> *s = st (view);
+        if (s->time_24hr == on || s->disposed) {
+            s->time_24hr = on;
+            return;
+        }
+        s->time_24hr = on;
+        List *l = list (view);
+        for (int i = 0; i < Ops::n_rows (l); i++) {
+            Row *r = Ops::row (l, i);
+            if (r->entry && !r->type_icon && !TAV_IS_CALENDAR_TASK (r->entry) && !has_bday (r->entry))
+                Ops::refresh_times (r, time_format (view), !r->multi_days);
+        }
+        invalidate (view);
+    }
+
     /* Presented interval: years 1970 to 2037 only. */
     static bool store_interval (View *view, const TavDateInterval *interval)
     {

@@ -216,6 +216,9 @@ TEST (AgendaWidget, MultiDayRowsAndRefusedEntries)
     EXPECT_EQ (shape (f.list ()), "H + Midnight H Late H Late ");
     EXPECT_STREQ (agenda_entry_list_get_agenda_entry (f.list (), 6)->start_text, "00:00");
     EXPECT_STREQ (agenda_entry_list_get_agenda_entry (f.list (), 6)->end_text, "01:00");
+    g_object_set (f.view, "time-24hr-format", FALSE, NULL);
+    EXPECT_STREQ (agenda_entry_list_get_agenda_entry (f.list (), 6)->end_text, " 1:00 am");
+    EXPECT_STREQ (agenda_entry_list_get_agenda_entry (f.list (), 2)->start_text, "10:00 pm");
 
     const std::string before = shape (f.list ());
     f.add (make_entry ("Backwards", { 2009, 2, 10, 12, 0 }, { 2009, 2, 9, 12, 0 }));
@@ -311,6 +314,45 @@ TEST (AgendaWidget, PaintsTodayPinnedOnTheAccent)
     EXPECT_EQ (rgb_at (shot.get (), 20, 20), 0x1e88e5u);
     EXPECT_EQ (rgb_at (shot.get (), 450, 100), 0x2d3b48u);
     EXPECT_GT (_tav_agenda_view_get_n_paints (f.view), 0);
+}
+
+/* A crowded span and an empty one at the host's size, saved for a look:
+ * the crowded one shows a card per row, the empty one the no-events line
+ * under the chosen date's button. */
+TEST (AgendaWidget, CrowdedAndEmptySpans)
+{
+    REQUIRE_DISPLAY ();
+    Fixture f;
+    gtk_window_resize (GTK_WINDOW (f.window), 800, 432);
+    run_main_loop_until ([&] { return GTK_WIDGET (f.view)->allocation.width == 800; }, 2000);
+    tav::GRefPtr<GdkPixbuf> empty = tav::adoptGRef (widget_snapshot (GTK_WIDGET (f.view)));
+    gdk_pixbuf_save (empty.get (), TAV_BUILD_ROOT "/agenda-empty.png", "png", NULL, NULL);
+    auto light_pixels = [] (GdkPixbuf *p, int y0, int y1) {
+        int n = 0;
+        for (int y = y0; y < y1; y++)
+            for (int x = 0; x < gdk_pixbuf_get_width (p); x++)
+                n += (rgb_at (p, x, y) & 0xff) > 0xa0;
+        return n;
+    };
+    /* Button strip and the "No events" line below it. */
+    EXPECT_GT (light_pixels (empty.get (), 70, 110), 50);
+
+    f.add (make_entry ("Trip to Lisbon", { 2009, 2, 9, 8, 0 }, { 2009, 2, 12, 18, 0 }, false, 3));
+    f.add (make_entry ("Conference", { 2009, 2, 10, 0, 0 }, { 2009, 2, 10, 0, 0 }, true, 1));
+    f.add (make_task ("Send the slides", { 2009, 2, 10, 0, 0 }));
+    f.add (make_birthday ("Anna's birthday", { 2009, 2, 10, 0, 0 }));
+    TavCalendarEntry *talk = make_entry ("Keynote", { 2009, 2, 10, 9, 30 }, { 2009, 2, 10, 10, 30 }, false, 7);
+    g_object_set (talk, "location", "Hall A", "description", "Opening talk\nsecond line", NULL);
+    f.add (talk);
+    f.add (make_entry ("Lunch with the team", { 2009, 2, 10, 12, 0 }, { 2009, 2, 10, 13, 0 }, false, 9));
+    tav_agenda_view_jump_to_date (f.view, &kChosen);
+    flush_events ();
+    tav::GRefPtr<GdkPixbuf> crowded = tav::adoptGRef (widget_snapshot (GTK_WIDGET (f.view)));
+    gdk_pixbuf_save (crowded.get (), TAV_BUILD_ROOT "/agenda-crowded.png", "png", NULL, NULL);
+    EXPECT_EQ (shape (f.list ()), "H Trip to Lisbon H + Trip to Lisbon Conference Send the slides Anna's birthday "
+                                  "Keynote Lunch with the team H Trip to Lisbon H Trip to Lisbon ");
+    /* Row 4 (the trip's middle day) is a card at the top after the jump. */
+    EXPECT_EQ (rgb_at (crowded.get (), 700, 40 + 35), 0x2d3b48u);
 }
 
 } // namespace
