@@ -1,6 +1,7 @@
 #include "HostWindow.h"
 
 #include <calendarui.h>
+#include <gdk/gdkkeysyms.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -146,6 +147,16 @@ void on_month_week_activated_cb (TavCalendar *, int week_number, const TavDateIn
     }
 }
 
+/* Left and right in the day view step the day. */
+void on_day_key_pressed_cb (TavDayView *view, guint keyval, gpointer)
+{
+    if (keyval == GDK_Left || keyval == GDK_KP_Left) {
+        tav_day_view_select_previous_day (view);
+    } else if (keyval == GDK_Right || keyval == GDK_KP_Right) {
+        tav_day_view_select_next_day (view);
+    }
+}
+
 void on_prev_clicked_cb (GtkButton *, gpointer data)
 {
     App *app = static_cast<App *> (data);
@@ -201,6 +212,9 @@ void App::build (bool offscreen)
             /* A tapped day or week of the month opens that week. */
             g_signal_connect (view, "day-activated", G_CALLBACK (on_month_day_activated_cb), this);
             g_signal_connect (view, "week-activated", G_CALLBACK (on_month_week_activated_cb), this);
+        }
+        if (TAV_IS_DAY_VIEW (view)) {
+            g_signal_connect (view, "key-pressed", G_CALLBACK (on_day_key_pressed_cb), nullptr);
         }
         GtkWidget *page = view;
         if (kind.scrolls) {

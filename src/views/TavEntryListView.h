@@ -233,6 +233,27 @@ template <class Ops> struct ListView {
             title.reset (g_markup_escape_text (text.get (), -1));
         }
         Ops::add (l, new_header<Row> (title.get (), &r->date));
+        if (!Ops::kButtonHasHeader)
+            button_after_header (view, &r->date);
+    }
+
+    /* A header and the button of its date compare equal in the day list,
+     * whose sort keeps arrival order: the button goes in again after the
+     * header, so that the day reads header, "+", entries. */
+    static void button_after_header (View *view, const TavDate *date)
+    {
+        List *l = list (view);
+        for (int i = 0; i < Ops::n_rows (l); i++) {
+            Row *b = Ops::row (l, i);
+            if (!b->is_button || tav_date_compare (&b->date, date) != 0)
+                continue;
+            Row *again = new_button<Row> (b->title, st (view)->theme.icon_new.c_str (), date);
+            if (st (view)->highlighted == b)
+                remove_highlight (view);
+            Ops::remove (l, i);
+            Ops::add (l, again);
+            return;
+        }
     }
 
     static void append_no_entries_label (View *view, const char *title)

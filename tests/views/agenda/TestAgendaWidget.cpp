@@ -131,8 +131,7 @@ TEST (AgendaWidget, SetIntervalShowsHeaderButtonAndNoEvents)
     EXPECT_EQ (shape (_tav_day_view_get_list (day)), "+ N ") << "no date header in an empty day";
     tav::GRefPtr<TavCalendarEntry> lunch = tav::adoptGRef (make_entry ("Lunch", { 2009, 2, 10, 12, 0 }, { 2009, 2, 10, 13, 0 }));
     tav_calendar_view_add_entry (TAV_CALENDAR_VIEW (day), lunch.get ());
-    const std::string with_entry = shape (_tav_day_view_get_list (day));
-    EXPECT_TRUE (with_entry == "H + Lunch " || with_entry == "+ H Lunch ") << with_entry;
+    EXPECT_EQ (shape (_tav_day_view_get_list (day)), "H + Lunch ");
     gtk_widget_destroy (GTK_WIDGET (day));
     g_object_unref (day);
 }
