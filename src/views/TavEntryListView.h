@@ -65,7 +65,6 @@ template <class Row> struct ViewState {
     GRefPtr<GdkPixmap> background;
     GRefPtr<GtkAdjustment> vadjustment;
     gulong value_changed_id = 0;
-    gulong changed_id = 0;
     void *entry_list = nullptr;
     TavDateInterval presented_interval {};
     bool presented_interval_set = false;
@@ -86,13 +85,17 @@ template <class Row> struct ViewState {
     int n_paints = 0;
 };
 
-/* The view code over Ops, which provides:
- *   Row, List, View; state (View *), list_of (View *), signals[];
- *   the list functions (add, sort, n_rows, row, find_entry, find_header,
- *   find_no_entries, remove, remove_empty_headers, drop_all, height,
- *   rect_relative, row_at, headers, set_offset, set_width, entries_count);
- *   no_entries_date (View *, TavDate *), mark_no_entries (Row *),
- *   button_has_header, names used in log lines. */
+/* The view code over Ops (AgendaOps in TavAgendaView.cpp, DayOps in
+ * TavDayView.cpp), which provides:
+ *   Row, List, View; state (View *), cast (TavCalendarView *), signals[];
+ *   the list functions (row_new, refresh_times, add, sort, n_rows, row,
+ *   find_entry, find_header, has_header, find_no_entries, remove,
+ *   remove_empty_headers, drop_all, height, rect, rect_abs, row_at,
+ *   headers, set_offset, offset_y, set_width, entries_count, bg_pixmap);
+ *   where the no-events line and the button stand (no_entries_date,
+ *   button_date, mark_no_entries, kButtonHasHeader, append_insert_button);
+ *   other_key for the keys the list does not use; the names its log lines
+ *   and checks carry. */
 template <class Ops> struct ListView {
     using Row = typename Ops::Row;
     using List = typename Ops::List;
