@@ -80,10 +80,17 @@ int text_line (cairo_t *cr, const PangoFontDescription *font, const char *text, 
         return 0;
     GRefPtr<PangoLayout> layout = adoptGRef (pango_cairo_create_layout (cr));
     pango_layout_set_font_description (layout.get (), font);
-    if (markup)
+    /* Text from outside (a header title handed to the view) may be broken
+     * markup or invalid UTF-8: show it as repaired plain text. */
+    const bool valid = g_utf8_validate (text, -1, NULL);
+    if (markup && valid && pango_parse_markup (text, -1, 0, NULL, NULL, NULL, NULL)) {
         pango_layout_set_markup (layout.get (), text, -1);
-    else
+    } else if (valid) {
         pango_layout_set_text (layout.get (), text, -1);
+    } else {
+        GCharPtr repaired (g_utf8_make_valid (text, -1));
+        pango_layout_set_text (layout.get (), repaired.get (), -1);
+    }
     pango_layout_set_single_paragraph_mode (layout.get (), TRUE);
     pango_layout_set_ellipsize (layout.get (), PANGO_ELLIPSIZE_END);
     pango_layout_set_width (layout.get (), std::max (1, width) * PANGO_SCALE);
@@ -310,7 +317,11 @@ static void paint_header_text (GtkWidget *widget, cairo_t *cr, const Theme &them
         /* Today's header on an accent pill. */
         GRefPtr<PangoLayout> layout = adoptGRef (pango_cairo_create_layout (cr));
         pango_layout_set_font_description (layout.get (), font.get ());
-        pango_layout_set_markup (layout.get (), row.title ? row.title : "", -1);
+        const char *title = row.title ? row.title : "";
+        if (g_utf8_validate (title, -1, NULL) && pango_parse_markup (title, -1, 0, NULL, NULL, NULL, NULL))
+            pango_layout_set_markup (layout.get (), title, -1);
+        else
+            pango_layout_set_text (layout.get (), "", -1);
         int w = 0, th = 0;
         pango_layout_get_pixel_size (layout.get (), &w, &th);
         set_source (cr, kAccent);

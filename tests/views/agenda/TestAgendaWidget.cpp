@@ -352,6 +352,18 @@ TEST (AgendaWidget, CrowdedAndEmptySpans)
                                   "Keynote Lunch with the team H Trip to Lisbon H Trip to Lisbon ");
     /* Row 4 (the trip's middle day) is a card at the top after the jump. */
     EXPECT_EQ (rgb_at (crowded.get (), 700, 40 + 35), 0x2d3b48u);
+
+    /* Header titles from outside: broken markup and invalid UTF-8 are
+     * painted as plain text, without a warning. */
+    TavDate later = { 2009, 2, 20 }, latest = { 2009, 2, 21 };
+    tav_agenda_view_append_header (f.view, "<b>Broken", &later);
+    tav_agenda_view_append_header (f.view, "Caf\xe9", &latest);
+    tav_calendar_view_recalculate_entries (TAV_CALENDAR_VIEW (f.view));
+    gtk_adjustment_set_value (_tav_agenda_view_get_vadjustment (f.view), 1e6);
+    LogCapture log;
+    tav::GRefPtr<GdkPixbuf> end = tav::adoptGRef (widget_snapshot (GTK_WIDGET (f.view)));
+    EXPECT_TRUE (end);
+    EXPECT_EQ (log.lines ().size (), 0u) << log.dump ();
 }
 
 } // namespace
