@@ -838,8 +838,9 @@ template <class Ops> struct ListView {
             p.is_birthday = !p.is_task && has_bday (r->entry);
             if (TAV_IS_CALENDAR_ENTRY (r->entry)) {
                 int color = 0;
-                gboolean done = FALSE;
-                g_object_get (r->entry, "color", &color, NULL);
+                gboolean done = FALSE, alarm = FALSE;
+                g_object_get (r->entry, "color", &color, "has-alarm", &alarm, NULL);
+                p.alarm = alarm;
                 if (p.is_task)
                     g_object_get (r->entry, "done", &done, NULL);
                 p.color = color;

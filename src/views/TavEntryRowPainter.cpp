@@ -425,7 +425,7 @@ void paint_row (GtkWidget *widget, cairo_t *cr, const Theme &theme, const PaintR
 
     /* Title over location and description. */
     const double x = r.x + kTimeColumn;
-    const int width = r.width - kTimeColumn - 12;
+    const int width = r.width - kTimeColumn - (row.alarm ? 40 : 12);
     auto title_font = font_of (theme.font_title, 0.8);
     auto small_font = font_of (theme.font_location, 0.85);
     std::string detail;
@@ -443,6 +443,19 @@ void paint_row (GtkWidget *widget, cairo_t *cr, const Theme &theme, const PaintR
     if (row.done) {
         cairo_set_source_rgba (cr, shown_title.r, shown_title.g, shown_title.b, 0.8);
         cairo_rectangle (cr, x, y + h1 / 2.0, std::min (width, 160), 1.2);
+        cairo_fill (cr);
+    }
+    if (row.alarm) {
+        /* A small bell at the card's right edge. */
+        const double bx = r.x + r.width - 24, by = r.y + 16;
+        cairo_set_source_rgba (cr, location_color.r, location_color.g, location_color.b, 0.9);
+        cairo_move_to (cr, bx - 6, by + 8);
+        cairo_curve_to (cr, bx - 6, by - 4, bx + 6, by - 4, bx + 6, by + 8);
+        cairo_close_path (cr);
+        cairo_fill (cr);
+        cairo_rectangle (cr, bx - 7.5, by + 7, 15, 2);
+        cairo_fill (cr);
+        cairo_arc (cr, bx, by + 11, 2, 0, 2 * M_PI);
         cairo_fill (cr);
     }
     if (!detail.empty ())

@@ -341,7 +341,8 @@ TEST (AgendaWidget, CrowdedAndEmptySpans)
     f.add (make_task ("Send the slides", { 2009, 2, 10, 0, 0 }));
     f.add (make_birthday ("Anna's birthday", { 2009, 2, 10, 0, 0 }));
     TavCalendarEntry *talk = make_entry ("Keynote", { 2009, 2, 10, 9, 30 }, { 2009, 2, 10, 10, 30 }, false, 7);
-    g_object_set (talk, "location", "Hall A", "description", "Opening talk\nsecond line", NULL);
+    g_object_set (talk, "location", "Hall A", "description", "Opening talk\nsecond line", "alarm-code",
+                  TavCalendarAlarm15Min, NULL);
     f.add (talk);
     f.add (make_entry ("Lunch with the team", { 2009, 2, 10, 12, 0 }, { 2009, 2, 10, 13, 0 }, false, 9));
     tav_agenda_view_jump_to_date (f.view, &kChosen);
