@@ -8,6 +8,7 @@
 #include "TavAgendaViewInternal.h"
 #include "TavDayViewInternal.h"
 #include "TavGPtr.h"
+#include "KivoPannableArea.h"
 
 #include <gdk/gdkkeysyms.h>
 
@@ -195,6 +196,44 @@ TEST (DayWidget, DeleteFromTheMenuAndABackgroundImage)
     g_object_unref (image);
     tav::GRefPtr<GdkPixbuf> shot = tav::adoptGRef (widget_snapshot (GTK_WIDGET (s.view)));
     EXPECT_EQ (rgb_at (shot.get (), 470, 290), 0x00ff00u);
+}
+
+/* In a pannable area, as the calendar window holds it: the area hands
+ * over its adjustment, a drag pans the list without opening anything, a
+ * tap still opens the row under the finger. */
+TEST (DayWidget, APannableAreaDrivesTheAgenda)
+{
+    REQUIRE_XTEST ();
+    GtkWidget *area = kivo_pannable_area_new ();
+    TavAgendaView *view = TAV_AGENDA_VIEW (tav_agenda_view_new ());
+    gtk_container_add (GTK_CONTAINER (area), GTK_WIDGET (view));
+    GtkWidget *window = make_test_window (480, 300, area);
+    run_main_loop_until ([&] { return GTK_WIDGET (view)->allocation.height == 300; }, 2000);
+    tav_agenda_view_set_presented_interval_by_date (view, &kDay);
+    std::vector<tav::GRefPtr<TavCalendarEntry>> keep;
+    for (int h = 8; h < 18; h++) {
+        keep.push_back (tav::adoptGRef (make_entry ("Slot", { 2009, 2, 10, h, 0 }, { 2009, 2, 10, h, 30 })));
+        tav_calendar_view_add_entry (TAV_CALENDAR_VIEW (view), keep.back ().get ());
+    }
+    tav_calendar_view_recalculate_entries (TAV_CALENDAR_VIEW (view));
+    flush_events ();
+    GtkAdjustment *adj = kivo_pannable_area_get_vadjustment (KIVO_PANNABLE_AREA (area));
+    ASSERT_EQ (_tav_agenda_view_get_vadjustment (view), adj);
+    EXPECT_EQ (adj->upper, agenda_entry_list_get_height (_tav_agenda_view_get_list (view)));
+
+    int opened = 0;
+    count_signal (view, "entry-activated", &opened);
+    const double before = gtk_adjustment_get_value (adj);
+    PointerDriver::drag (GTK_WIDGET (view), 200, 250, 200, 100, 10, 16, true);
+    run_main_loop_until ([&] { return !kivo_pannable_area_is_moving (KIVO_PANNABLE_AREA (area)); }, 3000);
+    EXPECT_GT (gtk_adjustment_get_value (adj), before + 100) << "the drag pans the list";
+    EXPECT_EQ (opened, 0);
+    EXPECT_EQ (_tav_agenda_view_get_highlight (view), 0);
+    PointerDriver::tap (GTK_WIDGET (view), 200, 150);
+    run_main_loop_until ([&] { return opened > 0; }, 1000);
+    EXPECT_EQ (opened, 1);
+    gtk_widget_destroy (window);
+    flush_events ();
 }
 
 } // namespace
