@@ -19,5 +19,7 @@
 #include "calendarui/TavCalendar.h"
 #include "calendarui/TavWeekView.h"
 #include "calendarui/TavHomeApplet.h"
+#include "calendarui/TavAgendaView.h"
+#include "calendarui/TavDayView.h"
 
 #endif /* CALENDARUI_H */

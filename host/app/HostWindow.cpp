@@ -1,6 +1,7 @@
 #include "HostWindow.h"
 
 #include <calendarui.h>
+#include <gdk/gdkkeysyms.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -40,9 +41,49 @@ void week_step (GtkWidget *view, int direction)
     }
 }
 
+void agenda_go_to (GtkWidget *view, const TavDate &date)
+{
+    tav_agenda_view_set_presented_interval_by_date (TAV_AGENDA_VIEW (view), &date);
+}
+
+/* The agenda steps by its 31 days. */
+void agenda_step (GtkWidget *view, int direction)
+{
+    TavDateInterval *shown = nullptr;
+    g_object_get (view, "presented-interval", &shown, nullptr);
+    if (!shown) {
+        return;
+    }
+    TavCalendarProcessor *processor = tav_calendar_view_get_processor (TAV_CALENDAR_VIEW (view));
+    TavDate date = shown->start;
+    if (direction < 0) {
+        tav_calendar_processor_dec_date_by_days (processor, &date, 16);
+    } else {
+        tav_calendar_processor_inc_date_by_days (processor, &date, 46);
+    }
+    tav_date_interval_free (shown);
+    tav_agenda_view_set_presented_interval_by_date (TAV_AGENDA_VIEW (view), &date);
+}
+
+void day_go_to (GtkWidget *view, const TavDate &date)
+{
+    tav_day_view_set_presented_interval_by_date (TAV_DAY_VIEW (view), &date);
+}
+
+void day_step (GtkWidget *view, int direction)
+{
+    if (direction < 0) {
+        tav_day_view_select_previous_day (TAV_DAY_VIEW (view));
+    } else {
+        tav_day_view_select_next_day (TAV_DAY_VIEW (view));
+    }
+}
+
 const std::vector<ViewKind> kViews = {
     {"month", "Month", tav_calendar_new, false, month_go_to, month_step},
     {"week", "Week", tav_week_view_new, true, week_go_to, week_step},
+    {"agenda", "Agenda", tav_agenda_view_new, true, agenda_go_to, agenda_step},
+    {"day", "Day", tav_day_view_new, true, day_go_to, day_step},
 };
 
 
@@ -106,6 +147,16 @@ void on_month_week_activated_cb (TavCalendar *, int week_number, const TavDateIn
     }
 }
 
+/* Left and right in the day view step the day. */
+void on_day_key_pressed_cb (TavDayView *view, guint keyval, gpointer)
+{
+    if (keyval == GDK_Left || keyval == GDK_KP_Left) {
+        tav_day_view_select_previous_day (view);
+    } else if (keyval == GDK_Right || keyval == GDK_KP_Right) {
+        tav_day_view_select_next_day (view);
+    }
+}
+
 void on_prev_clicked_cb (GtkButton *, gpointer data)
 {
     App *app = static_cast<App *> (data);
@@ -161,6 +212,9 @@ void App::build (bool offscreen)
             /* A tapped day or week of the month opens that week. */
             g_signal_connect (view, "day-activated", G_CALLBACK (on_month_day_activated_cb), this);
             g_signal_connect (view, "week-activated", G_CALLBACK (on_month_week_activated_cb), this);
+        }
+        if (TAV_IS_DAY_VIEW (view)) {
+            g_signal_connect (view, "key-pressed", G_CALLBACK (on_day_key_pressed_cb), nullptr);
         }
         GtkWidget *page = view;
         if (kind.scrolls) {
