@@ -18,5 +18,8 @@
 #include "calendarui/TavCalendarView.h"
 #include "calendarui/TavCalendar.h"
 #include "calendarui/TavWeekView.h"
+#include "calendarui/TavCalendarSettingsDialog.h"
+#include "calendarui/TavAlarmToneButton.h"
+#include "calendarui/TavColorButton.h"
 
 #endif /* CALENDARUI_H */
