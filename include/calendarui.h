@@ -18,5 +18,7 @@
 #include "calendarui/TavCalendarView.h"
 #include "calendarui/TavCalendar.h"
 #include "calendarui/TavWeekView.h"
+#include "calendarui/TavWidgetBinding.h"
+#include "calendarui/TavCalendarDialog.h"
 
 #endif /* CALENDARUI_H */
