@@ -20,5 +20,7 @@
 #include "calendarui/TavWeekView.h"
 #include "calendarui/TavWidgetBinding.h"
 #include "calendarui/TavCalendarDialog.h"
+#include "calendarui/TavCalendarButton.h"
+#include "calendarui/TavCalendarEventWindow.h"
 
 #endif /* CALENDARUI_H */
