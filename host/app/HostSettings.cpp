@@ -3,6 +3,7 @@
 #include <glib/gstdio.h>
 
 #include <cerrno>
+#include <cstdio>
 #include <initializer_list>
 #include <memory>
 
@@ -174,6 +175,61 @@ bool SettingsFile::save (std::string *error) const
         return false;
     }
     return true;
+}
+
+namespace {
+
+struct DialogContext {
+    SettingsFile *file;
+    std::function<void (const Settings &)> on_saved;
+};
+
+void on_settings_save_clicked_cb (GtkWidget *dialog, gpointer data)
+{
+    auto *context = static_cast<DialogContext *> (data);
+    const Settings before = context->file->values;
+    settings_from_dialog (dialog, context->file->values);
+    std::string error;
+    if (!context->file->save (&error)) {
+        fprintf (stderr, "tav-calendar: %s\n", error.c_str ());
+        tav_show_info_banner (dialog, ("Settings not saved: " + error).c_str ());
+        context->file->values = before;
+        return;
+    }
+    if (context->on_saved) {
+        context->on_saved (context->file->values);
+    }
+    gtk_widget_destroy (dialog);
+}
+
+void on_settings_edit_clicked_cb (GtkWidget *dialog, gpointer)
+{
+    tav_show_info_banner (dialog, "The list of calendars is not part of this build yet");
+}
+
+}  // namespace
+
+GtkWidget *open_settings_dialog (SettingsFile &file, int visible_calendars, GtkWindow *parent,
+                                 std::function<void (const Settings &)> on_saved)
+{
+    GtkWidget *dialog = tav_calendar_settings_dialog_new ();
+    if (parent) {
+        gtk_window_set_transient_for (GTK_WINDOW (dialog), parent);
+    }
+    settings_to_dialog (file.values, dialog);
+    g_object_set (dialog, "num-visible-calendars", visible_calendars, nullptr);
+    auto *context = new DialogContext {&file, std::move (on_saved)};
+    g_signal_connect_data (dialog, "save-clicked", G_CALLBACK (on_settings_save_clicked_cb), context,
+                           [] (gpointer data, GClosure *) { delete static_cast<DialogContext *> (data); },
+                           GConnectFlags (0));
+    g_signal_connect (dialog, "edit-clicked", G_CALLBACK (on_settings_edit_clicked_cb), nullptr);
+    /* The window manager's close (when the dialog allows it) cancels. */
+    g_signal_connect (dialog, "response", G_CALLBACK (+[] (GtkDialog *d, gint response, gpointer) {
+                          if (response == GTK_RESPONSE_DELETE_EVENT) {
+                              gtk_widget_destroy (GTK_WIDGET (d));
+                          }
+                      }), nullptr);
+    return dialog;
 }
 
 void settings_to_dialog (const Settings &values, GtkWidget *dialog)

@@ -21,6 +21,7 @@
 
 #include <calendarui.h>
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -59,6 +60,13 @@ public:
 private:
     std::string m_path;
 };
+
+/* Opens the settings dialog over @parent (may be NULL) filled from @file.
+ * On Save the dialog's values are stored in @file and written; when that
+ * works @on_saved gets them and the dialog closes, when it fails the user is
+ * told and the dialog stays open with the choices made. Returns the dialog. */
+GtkWidget *open_settings_dialog (SettingsFile &file, int visible_calendars, GtkWindow *parent,
+                                 std::function<void (const Settings &)> on_saved);
 
 /* Fills @dialog with @values. */
 void settings_to_dialog (const Settings &values, GtkWidget *dialog);
