@@ -223,12 +223,6 @@ GtkWidget *open_settings_dialog (SettingsFile &file, int visible_calendars, GtkW
                            [] (gpointer data, GClosure *) { delete static_cast<DialogContext *> (data); },
                            GConnectFlags (0));
     g_signal_connect (dialog, "edit-clicked", G_CALLBACK (on_settings_edit_clicked_cb), nullptr);
-    /* The window manager's close (when the dialog allows it) cancels. */
-    g_signal_connect (dialog, "response", G_CALLBACK (+[] (GtkDialog *d, gint response, gpointer) {
-                          if (response == GTK_RESPONSE_DELETE_EVENT) {
-                              gtk_widget_destroy (GTK_WIDGET (d));
-                          }
-                      }), nullptr);
     return dialog;
 }
 

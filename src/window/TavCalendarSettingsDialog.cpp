@@ -346,6 +346,12 @@ tav_calendar_settings_dialog_init (TavCalendarSettingsDialog *dialog)
     priv->save_button = tav_calendar_dialog_add_button (base, TAV_KIVO ("wdgt_bd_save"));
     g_signal_connect (priv->calendars_button, "clicked", G_CALLBACK (on_calendars_clicked_cb), dialog);
     g_signal_connect (priv->save_button, "clicked", G_CALLBACK (on_save_clicked_cb), dialog);
+    /* GtkDialog turns a close request into a response and keeps the window;
+     * this dialog closes (or refuses to) by itself, so its handler replaces
+     * the stock one. */
+    const guint delete_id = g_signal_lookup ("delete-event", GTK_TYPE_WIDGET);
+    if (const gulong stock = g_signal_handler_find (dialog, G_SIGNAL_MATCH_ID, delete_id, 0, nullptr, nullptr, nullptr))
+        g_signal_handler_disconnect (dialog, stock);
     g_signal_connect (dialog, "delete-event", G_CALLBACK (on_settings_dialog_response), nullptr);
 }
 
@@ -374,6 +380,9 @@ tav_calendar_settings_dialog_set_values (TavCalendarSettingsDialog *dialog, int 
         }
         if (!value_belongs (id, value)) {
             TAV_WARNING ("Value %d is not one that %s takes; it is ignored", value, id_nick (id));
+            /* Only yes ticks the box: any other value clears it. */
+            if (id == SettingsHideDoneTasks)
+                kivo_check_button_set_active (KIVO_CHECK_BUTTON (priv->hide_done_tasks_check), FALSE);
             continue;
         }
         switch (id) {
