@@ -317,6 +317,8 @@ tav_calendar_settings_dialog_init (TavCalendarSettingsDialog *dialog)
     dialog->priv = priv;
     TavCalendarDialog *base = TAV_CALENDAR_DIALOG (dialog);
     tav_calendar_dialog_set_title (base, TAV_CAL ("cal_ti_settings"));
+    /* Wide enough for a title and a value side by side on every row. */
+    gtk_window_set_default_size (GTK_WINDOW (dialog), 720, -1);
 
     GtkWidget *box = gtk_vbox_new (FALSE, 0);
     tav::GRefPtr<GtkSizeGroup> titles = tav::adoptGRef (gtk_size_group_new (GTK_SIZE_GROUP_HORIZONTAL));
