@@ -274,8 +274,7 @@ on_list_destroy_cb (GtkWidget *dialog, gpointer data)
     if (button->priv->dialog == dialog) {
         button->priv->dialog = nullptr;
         button->priv->list = nullptr;
-        button->priv->chooser = nullptr;
-        tav_alarm_tone_button_stop_preview (button);
+        close_list (button);
     }
 }
 

@@ -1,9 +1,6 @@
 #include "SettingsTestSupport.h"
 
-#include <cmath>
-#include <cstdint>
-#include <cstdio>
-#include <vector>
+#include "TavTonePreview.h"
 
 namespace tav::test {
 
@@ -53,19 +50,11 @@ bool wait_mapped (GtkWidget *const &widget, int timeout_ms)
 
 void write_test_wav (const std::string &path)
 {
-    const int rate = 8000, count = 800;
-    std::vector<int16_t> samples (count);
-    for (int i = 0; i < count; ++i)
-        samples[i] = static_cast<int16_t> (8000 * std::sin (2 * M_PI * 440 * i / rate));
-    const uint32_t data = count * 2;
-    const uint32_t header[] = { 0x46464952u, 36 + data, 0x45564157u, 0x20746d66u, 16, 0x00010001u,
-                                static_cast<uint32_t> (rate), static_cast<uint32_t> (rate * 2), 0x00100002u,
-                                0x61746164u, data };
-    std::FILE *f = std::fopen (path.c_str (), "wb");
-    ASSERT_NE (f, nullptr);
-    std::fwrite (header, sizeof header, 1, f);
-    std::fwrite (samples.data (), 2, samples.size (), f);
-    std::fclose (f);
+    gchar *data = nullptr;
+    gsize length = 0;
+    ASSERT_TRUE (g_file_get_contents (tav::default_tone_file ().c_str (), &data, &length, nullptr));
+    ASSERT_TRUE (g_file_set_contents (path.c_str (), data, static_cast<gssize> (length), nullptr));
+    g_free (data);
 }
 
 } // namespace tav::test

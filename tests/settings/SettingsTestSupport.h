@@ -28,7 +28,7 @@ void tap_middle (GtkWidget *widget);
 void tap_selector_row (KivoTouchSelector *selector, int row);
 /* Waits until @widget (a window) is mapped. */
 bool wait_mapped (GtkWidget *const &widget, int timeout_ms = 2000);
-/* Writes a short valid WAV file (a 440 Hz tone) to @path. */
+/* Copies the shipped default tone (a valid WAV file) to @path. */
 void write_test_wav (const std::string &path);
 
 } // namespace tav::test
