@@ -7,10 +7,8 @@
 #include "SettingsTestSupport.h"
 #include "TavTonePreview.h"
 
-#include <glib/gstdio.h>
-
 #include <cstdint>
-#include <cstdio>
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -68,7 +66,6 @@ TEST (AlarmToneButton, OffersEachToneOnceAndRefusesUnreadableFiles)
     count_signal (button, "tone-changed", &changes);
     EXPECT_STREQ (tav_alarm_tone_button_get_selected_tone_path (tone (button)), TAV_ALARM_TONE_DEFAULT_PATH);
     EXPECT_STREQ (tav_alarm_tone_button_get_selected_tone_name (tone (button)), "Default");
-    EXPECT_STREQ (kivo_button_get_title (KIVO_BUTTON (button)), "Alarm tone");
     EXPECT_STREQ (kivo_button_get_value (KIVO_BUTTON (button)), "Default");
     const int offered = tav_alarm_tone_button_get_tone_count (tone (button));
     EXPECT_GE (offered, 1);
@@ -216,26 +213,20 @@ TEST (AlarmToneButton, TheShippedToneIsAShortAudibleWave)
     gchar *data = nullptr;
     gsize length = 0;
     ASSERT_TRUE (g_file_get_contents (tav::default_tone_file ().c_str (), &data, &length, nullptr));
-    ASSERT_GT (length, 44u);
-    const std::string head (data, 16);
-    EXPECT_EQ (head.substr (0, 4), "RIFF");
-    EXPECT_EQ (head.substr (8, 8), "WAVEfmt ");
+    const std::string wav (data, length);
+    g_free (data);
+    ASSERT_GT (wav.size (), 44u);
+    EXPECT_EQ (wav.substr (0, 4) + wav.substr (8, 8) + wav.substr (36, 4), "RIFFWAVEfmt data");
     uint32_t rate = 0, bytes = 0;
-    memcpy (&rate, data + 24, 4);
-    memcpy (&bytes, data + 40, 4);
-    EXPECT_EQ (bytes + 44, length);
-    const double seconds = bytes / 2.0 / rate;
-    EXPECT_GT (seconds, 0.5);
-    EXPECT_LT (seconds, 3.0);
+    memcpy (&rate, &wav[24], 4);
+    memcpy (&bytes, &wav[40], 4);
+    EXPECT_EQ (bytes + 44, wav.size ());
+    EXPECT_NEAR (bytes / 2.0 / rate, 1.6, 0.5) << "seconds";
     int peak = 0;
-    for (gsize i = 44; i + 1 < length; i += 2) {
-        int16_t s;
-        memcpy (&s, data + i, 2);
-        peak = std::max (peak, std::abs (static_cast<int> (s)));
-    }
+    for (size_t i = 44; i + 1 < wav.size (); i += 2)
+        peak = std::max (peak, std::abs (static_cast<int16_t> ((uint8_t) wav[i] | (uint8_t) wav[i + 1] << 8)));
     EXPECT_GT (peak, 10000) << "loud enough to hear";
     EXPECT_LT (peak, 32767) << "not clipped";
-    g_free (data);
 }
 
 TEST (ColorButton, ATappedMarkerChoosesItsColour)
