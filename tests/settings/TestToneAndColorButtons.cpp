@@ -5,6 +5,7 @@
 
 #include "KivoButton.h"
 #include "SettingsTestSupport.h"
+#include "TavGPtr.h"
 #include "TavTonePreview.h"
 
 #include <cstdint>
@@ -166,6 +167,33 @@ TEST (AlarmToneButton, ATappedTonePlaysDoneChoosesItAndClosingStopsTheSound)
     EXPECT_STREQ (tav_alarm_tone_button_get_selected_tone_path (tone (button)), chime.c_str ());
     EXPECT_STREQ (kivo_button_get_value (KIVO_BUTTON (button)), "Chime");
     EXPECT_EQ (changes, 1);
+
+    /* "Add tone" takes a file from the chooser: offered, highlighted, played. */
+    const std::string bell = dir.file ("desk_bell.wav");
+    write_test_wav (bell);
+    tav_alarm_tone_button_open_picker (tone (button));
+    picker = tav_alarm_tone_button_get_picker (tone (button));
+    tap_middle (find_widget (picker, [] (GtkWidget *w) {
+        return GTK_IS_BUTTON (w) && g_strcmp0 (gtk_button_get_label (GTK_BUTTON (w)), "Add tone") == 0;
+    }));
+    GtkWidget *chooser = nullptr;
+    ASSERT_TRUE (run_main_loop_until ([&] {
+        GList *windows = gtk_window_list_toplevels ();
+        for (GList *l = windows; l; l = l->next)
+            chooser = GTK_IS_FILE_CHOOSER (l->data) ? GTK_WIDGET (l->data) : chooser;
+        g_list_free (windows);
+        return chooser != nullptr;
+    }, 2000));
+    gtk_file_chooser_select_filename (GTK_FILE_CHOOSER (chooser), bell.c_str ());
+    run_main_loop_until ([&] {
+        tav::GCharPtr chosen (gtk_file_chooser_get_filename (GTK_FILE_CHOOSER (chooser)));
+        return chosen && bell == chosen.get ();
+    }, 3000);
+    gtk_dialog_response (GTK_DIALOG (chooser), GTK_RESPONSE_OK);
+    flush_events ();
+    EXPECT_EQ (tav_alarm_tone_button_get_tone_count (tone (button)), row + 2);
+    EXPECT_EQ (player.played.back (), bell);
+    EXPECT_EQ (kivo_touch_selector_get_active (list (), 0), row + 1);
 }
 
 TEST (AlarmToneButton, TheDefaultTonePlaysOurOwnFileAndFailuresAreOnlyLogged)
