@@ -66,8 +66,10 @@ TAV_API GType      tav_calendar_settings_dialog_get_type        (void) G_GNUC_CO
 /**
  * tav_calendar_settings_dialog_new:
  *
- * Returns: (transfer floating): a new settings dialog, shown, holding the
+ * Returns: (transfer none): a new settings dialog, shown, holding the
  * defaults (remove never, week starts on Monday, completed tasks shown).
+ * Like every top-level window it belongs to GTK: end it with
+ * gtk_widget_destroy().
  */
 TAV_API GtkWidget *tav_calendar_settings_dialog_new             (void);
 
