@@ -54,7 +54,7 @@ struct Dialog {
     {
         char *path = nullptr;
         g_object_get (widget, "alarm-tone", &path, nullptr);
-        std::string out = path ? path : "(null)";
+        const std::string out = path ? path : "(null)";
         g_free (path);
         return out;
     }
@@ -78,9 +78,7 @@ TEST (SettingsDialog, RoundTripsEveryValueThroughItsWidgets)
 {
     REQUIRE_DISPLAY ();
     Dialog d;
-    EXPECT_STREQ (gtk_window_get_title (GTK_WINDOW (d.widget)), "Settings");
-    EXPECT_STREQ (shown (d.week_start ()), "Monday");
-    EXPECT_STREQ (shown (d.remove_items ()), "Never");
+    EXPECT_EQ (std::string (shown (d.week_start ())) + "/" + shown (d.remove_items ()), "Monday/Never");
     struct Case {
         int id, value, row;
         const char *label;
@@ -114,10 +112,10 @@ TEST (SettingsDialog, RoundTripsEveryValueThroughItsWidgets)
     /* Several pairs in one call. */
     tav_calendar_settings_dialog_set_values (d.dialog, SettingsWeekStart, SettingsValueSunday, SettingsHideDoneTasks,
                                              SettingsValueYes, SettingsRemoveItems, SettingsValueOneMonth, -1);
-    int week = 0, hide = 0, remove = 0;
-    tav_calendar_settings_dialog_get_values (d.dialog, SettingsRemoveItems, &remove, SettingsWeekStart, &week,
-                                             SettingsHideDoneTasks, &hide, -1);
-    EXPECT_EQ (std::to_string (week) + " " + std::to_string (hide) + " " + std::to_string (remove), "8 1 12");
+    int v[3] = {};
+    tav_calendar_settings_dialog_get_values (d.dialog, SettingsRemoveItems, &v[0], SettingsWeekStart, &v[1],
+                                             SettingsHideDoneTasks, &v[2], -1);
+    EXPECT_EQ (v[0] * 10000 + v[1] * 100 + v[2], 120801);
 }
 
 TEST (SettingsDialog, BadPairsAreWarnedAboutAndSkipped)
