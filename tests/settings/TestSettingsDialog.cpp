@@ -184,6 +184,7 @@ TEST (SettingsDialog, AlarmToneFallsBackToTheDefaultAndNeverDuplicatesIt)
         const char *warning;
     };
     const std::string gone = dir.file ("gone.wav");
+    const std::string not_readable = "Alarm tone " + dir.path () + " is not a readable file";
     const Case cases[] = {
         { "the default tone", TAV_ALARM_TONE_DEFAULT_PATH, TAV_ALARM_TONE_DEFAULT_PATH, 0, nullptr },
         { "a file", chime.c_str (), chime, 1, nullptr },
@@ -191,6 +192,7 @@ TEST (SettingsDialog, AlarmToneFallsBackToTheDefaultAndNeverDuplicatesIt)
         { "empty: nothing changes", "", chime, 1, nullptr },
         { "a missing file", gone.c_str (), TAV_ALARM_TONE_DEFAULT_PATH, 1, "Alarm tone file does not exist!" },
         { "the file again", chime.c_str (), chime, 1, nullptr },
+        { "a directory", dir.path ().c_str (), TAV_ALARM_TONE_DEFAULT_PATH, 1, not_readable.c_str () },
         { "NULL", nullptr, TAV_ALARM_TONE_DEFAULT_PATH, 1, nullptr },
     };
     for (const Case &c : cases) {
