@@ -21,5 +21,12 @@
 #include "calendarui/TavHomeApplet.h"
 #include "calendarui/TavAgendaView.h"
 #include "calendarui/TavDayView.h"
+#include "calendarui/TavWidgetBinding.h"
+#include "calendarui/TavCalendarDialog.h"
+#include "calendarui/TavCalendarButton.h"
+#include "calendarui/TavCalendarEventWindow.h"
+#include "calendarui/TavCalendarSettingsDialog.h"
+#include "calendarui/TavAlarmToneButton.h"
+#include "calendarui/TavColorButton.h"
 
 #endif /* CALENDARUI_H */

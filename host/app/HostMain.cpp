@@ -5,6 +5,9 @@
  *   tav-calendar --export FILE.ics
  *   tav-calendar --screenshot DIR
  *   tav-calendar --applet [--db PATH | --demo]
+ *   tav-calendar --settings
+ *
+ * Settings are kept in $XDG_CONFIG_HOME/tav-calendar/settings.ini.
  *
  * Exit status: 0 success, 1 an import or export failed, 2 bad arguments or
  * a store that cannot be opened, 3 no display for the window.
@@ -45,6 +48,7 @@ struct Options {
     gboolean demo = FALSE;
     gboolean open = FALSE;
     gboolean applet = FALSE;
+    gboolean settings = FALSE;
 
     ~Options ()
     {
@@ -139,6 +143,7 @@ int main (int argc, char **argv)
         {"open", 0, 0, G_OPTION_ARG_NONE, &opt.open, "Show the calendar after --import or --export", nullptr},
         {"view", 0, 0, G_OPTION_ARG_STRING, &opt.view, "The view to show first", "NAME"},
         {"date", 0, 0, G_OPTION_ARG_STRING, &opt.date, "The day to show", "YYYY-MM-DD"},
+        {"settings", 0, 0, G_OPTION_ARG_NONE, &opt.settings, "Show only the settings dialog; exit when it closes", nullptr},
         {"screenshot", 0, 0, G_OPTION_ARG_FILENAME, &opt.screenshot, "Render each view at 800x480 to DIR/<view>.png and exit", "DIR"},
         {"applet", 0, 0, G_OPTION_ARG_NONE, &opt.applet, "Show the home-screen applet instead of the calendar", nullptr},
         {nullptr, 0, 0, G_OPTION_ARG_NONE, nullptr, nullptr, nullptr},
@@ -220,8 +225,26 @@ int main (int argc, char **argv)
     App app;
     app.calendars = std::make_unique<CalendarSet> (store);
     app.focus = focus;
+    SettingsFile settings;
+    app.settings = &settings;
 
-    const bool want_ui = opt.screenshot || opt.open || (!opt.imports && !opt.export_path);
+    const bool want_ui = opt.screenshot || opt.open || opt.settings || (!opt.imports && !opt.export_path);
+    if (want_ui) {
+        /* A damaged file is reported here once: loading repairs it. */
+        for (const std::string &problem : settings.load ()) {
+            fprintf (stderr, "tav-calendar: %s\n", problem.c_str ());
+        }
+        if (!opt.view) {
+            static const std::pair<int, const char *> kDefaultViews[] = {
+                {SettingsValueMonthView, "month"}, {SettingsValueWeekView, "week"}, {SettingsValueAgendaView, "agenda"}};
+            for (const auto &[value, name] : kDefaultViews) {
+                const ViewKind *kind = find_view (name);
+                if (value == settings.values.default_view && kind) {
+                    first_view = static_cast<size_t> (kind - view_kinds ().data ());
+                }
+            }
+        }
+    }
     const bool have_display = want_ui && gtk_init_check (&argc, &argv);
     int status = 0;
 
@@ -299,6 +322,11 @@ int main (int argc, char **argv)
             status = status ? status : shot;
         } else if (opt.applet) {
             run_applet (app);
+        } else if (opt.settings) {
+            /* The dialog alone, before (and without) the calendar window. */
+            GtkWidget *dialog = app.open_settings ();
+            g_signal_connect (dialog, "destroy", G_CALLBACK (gtk_main_quit), nullptr);
+            gtk_main ();
         } else {
             app.build (false);
             gtk_widget_show_all (app.window);

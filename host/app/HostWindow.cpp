@@ -169,6 +169,11 @@ void on_next_clicked_cb (GtkButton *, gpointer data)
     kViews[app->current ()].step (app->views[app->current ()], 1);
 }
 
+void on_settings_clicked_cb (GtkButton *, gpointer data)
+{
+    static_cast<App *> (data)->open_settings ();
+}
+
 void on_today_clicked_cb (GtkButton *, gpointer data)
 {
     App *app = static_cast<App *> (data);
@@ -196,12 +201,14 @@ void App::build (bool offscreen)
     GtkWidget *prev = gtk_button_new_with_label ("\xe2\x97\x80");   /* ◀ */
     GtkWidget *today = gtk_button_new_with_label ("Today");
     GtkWidget *next = gtk_button_new_with_label ("\xe2\x96\xb6");   /* ▶ */
-    for (GtkWidget *b : {prev, today, next}) {
+    GtkWidget *settings_button = gtk_button_new_with_label ("\xe2\x9a\x99");   /* ⚙ */
+    for (GtkWidget *b : {prev, today, next, settings_button}) {
         gtk_widget_set_size_request (b, 80, 48);
     }
     g_signal_connect (prev, "clicked", G_CALLBACK (on_prev_clicked_cb), this);
     g_signal_connect (today, "clicked", G_CALLBACK (on_today_clicked_cb), this);
     g_signal_connect (next, "clicked", G_CALLBACK (on_next_clicked_cb), this);
+    g_signal_connect (settings_button, "clicked", G_CALLBACK (on_settings_clicked_cb), this);
     gtk_box_pack_start (GTK_BOX (bar), prev, FALSE, FALSE, 0);
 
     GSList *group = nullptr;
@@ -234,7 +241,8 @@ void App::build (bool offscreen)
     }
     gtk_box_pack_start (GTK_BOX (bar), today, FALSE, FALSE, 0);
     gtk_box_pack_start (GTK_BOX (bar), next, FALSE, FALSE, 0);
-    for (GtkWidget *b : {prev, today, next})
+    gtk_box_pack_start (GTK_BOX (bar), settings_button, FALSE, FALSE, 0);
+    for (GtkWidget *b : {prev, today, next, settings_button})
         gtk_button_set_relief (GTK_BUTTON (b), GTK_RELIEF_NONE);
     for (GtkWidget *b : switches)
         gtk_button_set_relief (GTK_BUTTON (b), GTK_RELIEF_NONE);
@@ -260,6 +268,39 @@ void App::build (bool offscreen)
     gtk_box_pack_start (GTK_BOX (box), bar_background, FALSE, FALSE, 0);
     gtk_box_pack_start (GTK_BOX (box), notebook, TRUE, TRUE, 0);
     gtk_container_add (GTK_CONTAINER (window), box);
+    apply_settings ();
+}
+
+void App::apply_settings ()
+{
+    const int first = settings ? settings->values.first_day_of_week () : 1;
+    for (GtkWidget *view : views) {
+        if (TAV_IS_CALENDAR (view)) {
+            tav_calendar_set_first_day_of_week (TAV_CALENDAR (view), first);
+        } else if (TAV_IS_WEEK_VIEW (view)) {
+            tav_week_view_set_first_day_of_week (TAV_WEEK_VIEW (view), first);
+        }
+    }
+}
+
+int App::visible_calendars () const
+{
+    int count = 0;
+    for (const CalendarRecord &c : calendars->store ().calendars ()) {
+        count += c.visible ? 1 : 0;
+    }
+    return count;
+}
+
+GtkWidget *App::open_settings ()
+{
+    if (!settings) {
+        return nullptr;
+    }
+    GtkWindow *parent = GTK_IS_WINDOW (window) && !GTK_IS_OFFSCREEN_WINDOW (window) ? GTK_WINDOW (window) : nullptr;
+    return open_settings_dialog (*settings, visible_calendars (), parent, [this] (const Settings &) {
+        apply_settings ();
+    });
 }
 
 
@@ -301,6 +342,40 @@ void flush ()
 
 }  // namespace
 
+/* The dialog is a top-level window of its own: it is shown on the display
+ * and its window read back once drawn. */
+int render_settings (App &app, const std::string &path)
+{
+    SettingsFile defaults (std::string ("/nonexistent/settings.ini"));
+    SettingsFile *kept = app.settings;
+    if (!app.settings) {
+        app.settings = &defaults;
+    }
+    GtkWidget *dialog = app.open_settings ();
+    app.settings = kept;
+    gtk_window_move (GTK_WINDOW (dialog), 0, 0);
+    gtk_widget_set_size_request (dialog, 800, 480);
+    gtk_widget_show_all (dialog);
+    flush ();
+    gtk_widget_queue_draw (dialog);
+    flush ();
+    GdkPixbuf *shot = gdk_pixbuf_get_from_drawable (nullptr, dialog->window, nullptr, 0, 0, 0, 0,
+                                                    dialog->allocation.width, dialog->allocation.height);
+    GError *err = nullptr;
+    const bool saved = shot && gdk_pixbuf_save (shot, path.c_str (), "png", &err, nullptr);
+    if (!saved) {
+        fprintf (stderr, "tav-calendar: cannot write '%s': %s\n", path.c_str (), err ? err->message : "no image");
+        g_clear_error (&err);
+    } else {
+        printf ("%s\n", path.c_str ());
+    }
+    if (shot) {
+        g_object_unref (shot);
+    }
+    gtk_widget_destroy (dialog);
+    return saved ? 0 : 1;
+}
+
 int render_views (App &app, const std::string &dir)
 {
     if (g_mkdir_with_parents (dir.c_str (), 0755) != 0) {
@@ -329,8 +404,10 @@ int render_views (App &app, const std::string &dir)
         g_object_unref (shot);
         printf ("%s\n", path.c_str ());
     }
+    const int status = render_settings (app, dir + "/settings.png");
     gtk_widget_destroy (app.window);
-    return 0;
+    app.window = nullptr;
+    return status;
 }
 
 

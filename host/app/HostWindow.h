@@ -4,6 +4,7 @@
 #define TAV_HOST_WINDOW_H
 
 #include "HostCalendarSet.h"
+#include "HostSettings.h"
 
 #include <gtk/gtk.h>
 
@@ -35,6 +36,8 @@ struct App {
     std::vector<GtkWidget *> views;
     std::vector<GtkWidget *> switches;
     TavDate focus {};
+    /* The stored settings (owned by the caller); NULL: defaults, not kept. */
+    SettingsFile *settings = nullptr;
 
     /* An offscreen window renders without a window manager. */
     void build (bool offscreen);
@@ -43,10 +46,15 @@ struct App {
     void show_view (size_t index);
     /* Shows the week view on @date (what a tapped day or week opens). */
     void open_week (const TavDate &date);
+    /* Gives the views the settings' first day of the week. */
+    void apply_settings ();
+    /* Opens the settings dialog over the window. */
+    GtkWidget *open_settings ();
+    int visible_calendars () const;
 };
 
-/* Renders each view at 800x480 to DIR/<view>.png (the paths printed on
- * standard output); 0 on success. */
+/* Renders each view at 800x480 to DIR/<view>.png, and the settings dialog
+ * to DIR/settings.png (the paths printed on standard output); 0 on success. */
 int render_views (App &app, const std::string &dir);
 
 }  // namespace tav::host
