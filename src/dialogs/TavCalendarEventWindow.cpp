@@ -643,6 +643,10 @@ create_new_entry (TavCalendarEventWindow *window)
         tav_calendar_button_get_selected_calendar (TAV_CALENDAR_BUTTON (priv->calendar_button));
     if (!source) {
         TAV_WARNING ("No calendar source, can not create entry.");
+        /* Only read-only calendars (or none) were given: say so rather
+         * than close without a word. */
+        GCharPtr text (tav_calendar_get_error_string (CalendarDefaultError));
+        g_signal_emit_by_name (window, "error", text.get ());
         return nullptr;
     }
     const std::string title = stripped (gtk_entry_get_text (GTK_ENTRY (priv->title_entry)));

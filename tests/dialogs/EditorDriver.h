@@ -1,0 +1,61 @@
+/* Drives an event editor the way a person does: taps on its buttons and
+ * picker rows, keys into its entries (XTest through the X server). */
+#ifndef TAV_TEST_EDITOR_DRIVER_H
+#define TAV_TEST_EDITOR_DRIVER_H
+
+#include <calendarui.h>
+
+#include <string>
+#include <vector>
+
+namespace tav::test {
+
+class EditorDriver {
+public:
+    /* Shows @window (tall enough for every row) and waits for it. */
+    explicit EditorDriver (GtkWidget *window);
+    ~EditorDriver ();
+
+    GtkWidget *window () const { return m_window; }
+    bool alive () const { return m_window != nullptr; }
+    /* The field named @name ("title-entry", "repeat-button", ...). */
+    GtkWidget *field (const char *name) const;
+    /* The value a picker button shows. */
+    std::string value (const char *name) const;
+
+    void tap (const char *name);
+    /* Taps into the entry, moves to its end and types @text. */
+    void type (const char *name, const char *text);
+    void key (guint keyval);
+    /* Opens a one-column picker and taps the row showing @row_text;
+     * false when no row shows it. */
+    bool choose (const char *name, const std::string &row_text);
+    /* The rows a one-column picker offers now. */
+    std::vector<std::string> rows (const char *name) const;
+    void choose_time (const char *name, int hour, int minute);
+    void choose_date (const char *name, const TavDate &date);
+    void save () { tap ("save-button"); }
+
+    /* Texts of the banners now on screen. */
+    static std::vector<std::string> banners ();
+    static void clear_banners ();
+    bool has_banner (const char *text) const;
+
+    /* Signals of the editor, in order, with the entries they carried. */
+    std::vector<std::string> signals;
+    std::vector<TavCalendarEntry *> signal_entries;
+    std::vector<std::string> errors;
+
+private:
+    GtkWidget *open_picker (const char *name);
+    void close_picker (GtkWidget *button, GtkWidget *dialog, bool press_done);
+
+    GtkWidget *m_window;
+};
+
+/* A date @days from today. */
+TavDate day_from_today (int days);
+
+} // namespace tav::test
+
+#endif

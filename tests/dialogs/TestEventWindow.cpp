@@ -1,0 +1,403 @@
+/* The event editor driven with real taps and keys over in-memory calendars. */
+
+#include <calendarui.h>
+#include <gdk/gdkkeysyms.h>
+
+#include "../platform/PointerDriver.h"
+#include "EditorDriver.h"
+#include "KivoEntry.h"
+#include "KivoNote.h"
+#include "KivoPickerButton.h"
+#include "TavCalendarEventWindowPrivate.h"
+#include "TavIntl.h"
+#include "TavMemorySource.h"
+#include "TestSupport.h"
+
+using namespace tav::test;
+
+namespace {
+
+struct Stored {
+    std::string title, location, description;
+    TavDate start_date {}, end_date {};
+    TavTime start_time {}, end_time {};
+    int alarm = 0, repeat = 0;
+    gboolean all_day = FALSE;
+};
+
+Stored read (TavCalendarEntry *entry)
+{
+    Stored s;
+    char *title = nullptr, *location = nullptr, *description = nullptr;
+    TavDate *sd = nullptr, *ed = nullptr;
+    TavTime *st = nullptr, *et = nullptr;
+    g_object_get (entry, "title", &title, "location", &location, "description", &description, "start-date", &sd,
+                  "end-date", &ed, "start-time", &st, "end-time", &et, "alarm-code", &s.alarm, "repeat-code",
+                  &s.repeat, "all-day", &s.all_day, NULL);
+    s.title = title ? title : "";
+    s.location = location ? location : "";
+    s.description = description ? description : "";
+    s.start_date = *sd;
+    s.end_date = *ed;
+    s.start_time = *st;
+    s.end_time = *et;
+    g_free (title);
+    g_free (location);
+    g_free (description);
+    tav_date_free (sd);
+    tav_date_free (ed);
+    tav_time_free (st);
+    tav_time_free (et);
+    return s;
+}
+
+bool same_day (const TavDate &a, const TavDate &b)
+{
+    return tav_date_compare (&a, &b) == 0;
+}
+
+std::string hhmm (const TavTime &t)
+{
+    char buf[8];
+    g_snprintf (buf, sizeof buf, "%02d:%02d", t.hour, t.minute);
+    return buf;
+}
+
+TavCalendarEntry *stored_event (TavMemorySource *source, const char *title, const TavDate &day, TavTime from,
+                                TavTime to)
+{
+    const TavTimestamp start = {day, from}, end = {day, to};
+    return tav_memory_source_add_event (source, title, &start, &end);
+}
+
+GtkWidget *editor_for (TavCalendarEntry *entry, std::initializer_list<TavMemorySource *> sources)
+{
+    GtkWidget *window = entry ? tav_calendar_event_window_new_from_entry (entry) : tav_calendar_event_window_new ();
+    GList *list = nullptr;
+    for (TavMemorySource *s : sources)
+        list = g_list_append (list, s);
+    tav_calendar_event_window_add_sources (TAV_CALENDAR_EVENT_WINDOW (window), list);
+    g_list_free (list);
+    return window;
+}
+
+guint calls (TavMemorySource *s, TavMemorySlot slot)
+{
+    return tav_memory_source_calls (s, slot);
+}
+
+guint writes (TavMemorySource *s)
+{
+    return calls (s, TAV_MEMORY_SLOT_CREATE_ENTRY) + calls (s, TAV_MEMORY_SLOT_SAVE_ENTRY)
+         + calls (s, TAV_MEMORY_SLOT_DELETE_ENTRY);
+}
+
+} // namespace
+
+TEST (EventWindow, NewEventTypedCorrectedAndCreatedOnce)
+{
+    REQUIRE_XTEST ();
+    MemorySourcePtr home (tav_memory_source_new ("Home", TavCalendarColorGreen, CalendarSourceTypeLocal));
+    const TavDate tomorrow = day_from_today (1), later = day_from_today (3);
+    GtkWidget *window = editor_for (nullptr, {home.get ()});
+    tav_calendar_event_window_set_selected_date (TAV_CALENDAR_EVENT_WINDOW (window), &tomorrow);
+    EditorDriver ed (window);
+    EXPECT_STREQ (gtk_window_get_title (GTK_WINDOW (window)), TAV_CAL ("cal_bd_new_event"));
+    EXPECT_EQ (ed.value ("calendar-button"), "Home");
+
+    ed.type ("title-entry", "dentist");
+    ed.type ("location-entry", "main street");
+    ed.choose_time ("start-time-button", 10, 0);
+    EXPECT_EQ (ed.value ("end-time-button"), "11:00") << "the hour-long event keeps its length";
+    /* An end before the start is put back, with the reason. */
+    EditorDriver::clear_banners ();
+    ed.choose_time ("end-time-button", 9, 0);
+    EXPECT_EQ (ed.value ("end-time-button"), "11:00");
+    EXPECT_TRUE (ed.has_banner (TAV_CAL ("cal_ib_time_earlier")));
+    ed.choose_time ("end-time-button", 12, 30);
+    ed.choose_date ("start-date-button", later);
+    ed.choose_date ("end-date-button", tomorrow);
+    EXPECT_TRUE (ed.has_banner (TAV_CAL ("cal_ib_date_earlier")));
+    ASSERT_TRUE (ed.choose ("alarm-button", tav_calendar_alarm_to_string (TavCalendarAlarm15Min)));
+    ASSERT_TRUE (ed.choose ("repeat-button", tav_calendar_repeat_to_string (TavCalendarRepeatsEveryWeek)));
+    EXPECT_TRUE (gtk_widget_get_visible (ed.field ("until-button"))) << "a repeating event shows its last date";
+    EXPECT_EQ (writes (home.get ()), 0u) << "nothing is stored before Save";
+
+    ed.save ();
+    ASSERT_TRUE (run_main_loop_until ([&] { return !ed.alive (); }, 3000)) << "Save closes the editor";
+    EXPECT_EQ (ed.signals, std::vector<std::string> {"entry-created"});
+    EXPECT_EQ (calls (home.get (), TAV_MEMORY_SLOT_CREATE_ENTRY), 1u);
+    GList *events = tav_memory_source_list_events (home.get (), nullptr);
+    ASSERT_EQ (g_list_length (events), 1u);
+    const Stored s = read (TAV_CALENDAR_ENTRY (events->data));
+    EXPECT_EQ (ed.signal_entries[0], events->data);
+    g_list_free_full (events, g_object_unref);
+    EXPECT_EQ (s.title, "dentist");
+    EXPECT_EQ (s.location, "main street");
+    EXPECT_TRUE (same_day (s.start_date, later));
+    EXPECT_TRUE (same_day (s.end_date, later)) << "the end followed the start";
+    EXPECT_EQ (hhmm (s.start_time) + "-" + hhmm (s.end_time), "10:00-12:30");
+    EXPECT_EQ (s.alarm, TavCalendarAlarm15Min);
+    EXPECT_EQ (s.repeat, TavCalendarRepeatsEveryWeek);
+}
+
+TEST (EventWindow, EditSavesInPlaceOrMovesToAnotherCalendar)
+{
+    REQUIRE_XTEST ();
+    MemorySourcePtr work (tav_memory_source_new ("Work", TavCalendarColorBlue, CalendarSourceTypeLocal));
+    MemorySourcePtr home (tav_memory_source_new ("Home", TavCalendarColorRed, CalendarSourceTypeLocal));
+    const TavDate day = day_from_today (2);
+    TavCalendarEntry *entry = stored_event (work.get (), "review", day, {14, 0}, {15, 0});
+    {
+        EditorDriver ed (editor_for (entry, {home.get (), work.get ()}));
+        EXPECT_STREQ (gtk_window_get_title (GTK_WINDOW (ed.window ())), TAV_CAL ("cal_ti_edit_event"));
+        EXPECT_EQ (ed.value ("calendar-button"), "Work") << "the entry's own calendar is chosen";
+        char *id = nullptr;
+        g_object_get (ed.window (), "entry-id", &id, NULL);
+        EXPECT_STREQ (id, "mem-1");
+        g_free (id);
+        ed.type ("title-entry", " notes");
+        ed.choose_time ("start-time-button", 16, 0);
+        ed.save ();
+        ASSERT_TRUE (run_main_loop_until ([&] { return !ed.alive (); }, 3000));
+        EXPECT_EQ (ed.signals, std::vector<std::string> {"entry-saved"});
+        EXPECT_EQ (ed.signal_entries[0], entry) << "the same object, saved in place";
+    }
+    EXPECT_EQ (calls (work.get (), TAV_MEMORY_SLOT_SAVE_ENTRY), 1u);
+    EXPECT_EQ (writes (work.get ()), 1u);
+    Stored s = read (entry);
+    EXPECT_EQ (s.title, "review notes");
+    EXPECT_EQ (hhmm (s.start_time) + "-" + hhmm (s.end_time), "16:00-17:00");
+
+    EditorDriver ed (editor_for (entry, {home.get (), work.get ()}));
+    ASSERT_TRUE (ed.choose ("calendar-button", "Home"));
+    ed.save ();
+    ASSERT_TRUE (run_main_loop_until ([&] { return !ed.alive (); }, 3000));
+    EXPECT_EQ (ed.signals, (std::vector<std::string> {"entry-created", "deleting-entry"}));
+    EXPECT_EQ (ed.signal_entries[1], entry) << "the old entry is the one deleted";
+    EXPECT_EQ (calls (home.get (), TAV_MEMORY_SLOT_CREATE_ENTRY), 1u);
+    EXPECT_EQ (calls (work.get (), TAV_MEMORY_SLOT_DELETE_ENTRY), 1u);
+    EXPECT_EQ (tav_memory_source_size (work.get ()), 0u);
+    ASSERT_EQ (tav_memory_source_size (home.get ()), 1u);
+    GList *moved = tav_memory_source_list_events (home.get (), nullptr);
+    s = read (TAV_CALENDAR_ENTRY (moved->data));
+    g_list_free_full (moved, g_object_unref);
+    EXPECT_EQ (s.title, "review notes");
+    EXPECT_EQ (hhmm (s.start_time), "16:00");
+}
+
+TEST (EventWindow, NothingWrittenOnEscapeAndFailuresLeaveTheStoreAlone)
+{
+    REQUIRE_XTEST ();
+    MemorySourcePtr work (tav_memory_source_new ("Work", TavCalendarColorBlue, CalendarSourceTypeLocal));
+    MemorySourcePtr home (tav_memory_source_new ("Home", TavCalendarColorRed, CalendarSourceTypeLocal));
+    const TavDate day = day_from_today (2);
+    TavCalendarEntry *entry = stored_event (work.get (), "review", day, {14, 0}, {15, 0});
+    {
+        EditorDriver ed (editor_for (entry, {work.get (), home.get ()}));
+        ed.type ("title-entry", " changed");
+        ed.key (GDK_Escape);
+        ASSERT_TRUE (run_main_loop_until ([&] { return !ed.alive (); }, 3000)) << "Escape closes";
+    }
+    EXPECT_EQ (writes (work.get ()) + writes (home.get ()), 0u);
+    EXPECT_EQ (read (entry).title, "review") << "the entry is untouched";
+
+    const std::string disk_full = [] {
+        char *t = tav_calendar_get_error_string (CalendarDiskFullError);
+        std::string s = t;
+        g_free (t);
+        return s;
+    }();
+    LogCapture capture;
+    /* A refused save: the error is reported and the entry keeps its values. */
+    tav_memory_source_fail (work.get (), TAV_MEMORY_SLOT_SAVE_ENTRY, CalendarDiskFullError);
+    {
+        EditorDriver ed (editor_for (entry, {work.get (), home.get ()}));
+        ed.type ("title-entry", " changed");
+        ed.choose_time ("start-time-button", 8, 0);
+        ed.save ();
+        ASSERT_TRUE (run_main_loop_until ([&] { return !ed.alive (); }, 3000));
+        EXPECT_EQ (ed.errors, std::vector<std::string> {disk_full});
+        EXPECT_TRUE (ed.signals.empty ());
+    }
+    EXPECT_TRUE (capture.has_warning ("Error saving entry.")) << capture.dump ();
+    Stored s = read (entry);
+    EXPECT_EQ (s.title, "review");
+    EXPECT_EQ (hhmm (s.start_time), "14:00");
+
+    /* A refused move: nothing deleted from the old calendar. */
+    tav_memory_source_fail (home.get (), TAV_MEMORY_SLOT_CREATE_ENTRY, CalendarDiskFullError);
+    {
+        EditorDriver ed (editor_for (entry, {work.get (), home.get ()}));
+        ASSERT_TRUE (ed.choose ("calendar-button", "Home"));
+        ed.save ();
+        ASSERT_TRUE (run_main_loop_until ([&] { return !ed.alive (); }, 3000));
+        EXPECT_EQ (ed.errors, std::vector<std::string> {disk_full});
+    }
+    EXPECT_TRUE (capture.has_warning ("Unable to create entry in database!"));
+    EXPECT_TRUE (capture.has_warning ("Unable to proceed with move operation!"));
+    EXPECT_EQ (calls (work.get (), TAV_MEMORY_SLOT_DELETE_ENTRY), 0u);
+    EXPECT_EQ (tav_memory_source_size (work.get ()), 1u);
+    EXPECT_EQ (tav_memory_source_size (home.get ()), 0u);
+
+    /* A move whose delete fails leaves both copies and says so. */
+    tav_memory_source_heal (home.get (), TAV_MEMORY_SLOT_CREATE_ENTRY);
+    tav_memory_source_fail (work.get (), TAV_MEMORY_SLOT_DELETE_ENTRY, CalendarDefaultError);
+    {
+        EditorDriver ed (editor_for (entry, {work.get (), home.get ()}));
+        ASSERT_TRUE (ed.choose ("calendar-button", "Home"));
+        ed.save ();
+        ASSERT_TRUE (run_main_loop_until ([&] { return !ed.alive (); }, 3000));
+        EXPECT_EQ (ed.signals, std::vector<std::string> {"entry-created"});
+        EXPECT_EQ (ed.errors.size (), 1u);
+    }
+    EXPECT_TRUE (capture.has_warning ("Unable to delete event during move operation!"));
+    EXPECT_EQ (tav_memory_source_size (work.get ()) + tav_memory_source_size (home.get ()), 2u);
+
+    /* A calendar that answers "duplicate" stored the entry over the old one. */
+    tav_memory_source_fail (home.get (), TAV_MEMORY_SLOT_CREATE_ENTRY, CalendarDuplicateError);
+    EditorDriver ed (editor_for (nullptr, {home.get ()}));
+    ed.type ("title-entry", "again");
+    ed.save ();
+    ASSERT_TRUE (run_main_loop_until ([&] { return !ed.alive (); }, 3000));
+    EXPECT_EQ (ed.signals, std::vector<std::string> {"entry-saved"});
+    EXPECT_TRUE (capture.has_message ("Emitting signal 'entry-saved'."));
+}
+
+TEST (EventWindow, SaveRefusesMissingTitlesAndPastAlarms)
+{
+    REQUIRE_XTEST ();
+    MemorySourcePtr home (tav_memory_source_new ("Home", TavCalendarColorRed, CalendarSourceTypeLocal));
+    /* Starts in ten minutes: its 15-minute alarm rang five minutes ago. */
+    TavTimestamp now;
+    tav_date_init_today (&now.date);
+    tav_time_init_now (&now.time);
+    if (now.time.hour == 0 && now.time.minute < 5)
+        GTEST_SKIP () << "the alarm would lie yesterday, which the save test does not compare";
+    TavCalendarProcessor *processor = tav_calendar_processor_new ();
+    const TavTimestamp start = tav::editor::shift_by_minutes (processor, now, 10);
+    const TavTimestamp end = tav::editor::shift_by_minutes (processor, start, 60);
+    g_object_unref (processor);
+    TavCalendarEntry *entry = tav_memory_source_add_event (home.get (), "call", &start, &end);
+    g_object_set (entry, "alarm-code", TavCalendarAlarm15Min, NULL);
+
+    EditorDriver ed (editor_for (entry, {home.get ()}));
+    /* The alarm picker offers only alarms still ahead; the loaded one is kept. */
+    const std::vector<std::string> offered = ed.rows ("alarm-button");
+    EXPECT_EQ (std::count (offered.begin (), offered.end (), tav_calendar_alarm_to_string (TavCalendarAlarm30Min)), 0);
+    EXPECT_EQ (ed.value ("alarm-button"), tav_calendar_alarm_to_string (TavCalendarAlarm15Min));
+    gtk_entry_set_text (GTK_ENTRY (ed.field ("title-entry")), "   ");
+    EditorDriver::clear_banners ();
+    ed.save ();
+    flush_events ();
+    ASSERT_TRUE (ed.alive ()) << "the editor stays open";
+    EXPECT_TRUE (ed.has_banner (TAV_CAL ("cal_ib_add_title"))) << "white space is no title";
+    EXPECT_TRUE (ed.has_banner (TAV_CAL ("cal_ib_alarm_early")));
+    EXPECT_EQ (ed.value ("alarm-button"), tav_calendar_alarm_to_string (TavCalendarAlarmNone)) << "the alarm is removed";
+    EXPECT_EQ (writes (home.get ()), 0u);
+
+    ed.type ("title-entry", "call bob");
+    ed.save ();
+    ASSERT_TRUE (run_main_loop_until ([&] { return !ed.alive (); }, 3000));
+    EXPECT_EQ (calls (home.get (), TAV_MEMORY_SLOT_SAVE_ENTRY), 1u);
+    const Stored s = read (entry);
+    EXPECT_EQ (s.alarm, TavCalendarAlarmNone);
+    EXPECT_EQ (s.title, "   call bob") << "an edited title is saved as typed";
+}
+
+TEST (EventWindow, LongTextsComplexRulesAndReadOnlyCalendars)
+{
+    REQUIRE_XTEST ();
+    MemorySourcePtr home (tav_memory_source_new ("Home", TavCalendarColorRed, CalendarSourceTypeLocal));
+    MemorySourcePtr shared (tav_memory_source_new ("Holidays", TavCalendarColorYellow, CalendarSourceTypeSync));
+    g_object_set (shared.get (), "read-only", TRUE, NULL);
+    TavCalendarEntry *entry = stored_event (home.get (), "yoga", day_from_today (1), {18, 0}, {19, 0});
+    g_object_set (entry, "repeat-code", TavCalendarRepeatsComplex, "has-rrule", TRUE, NULL);
+    {
+        EditorDriver ed (editor_for (entry, {shared.get (), home.get ()}));
+        EXPECT_EQ (tav_calendar_button_get_calendar_count (TAV_CALENDAR_BUTTON (ed.field ("calendar-button"))), 1)
+            << "read-only calendars are not offered";
+        /* A description one character over the limit is cut back. */
+        EditorDriver::clear_banners ();
+        GtkTextBuffer *buffer = gtk_text_view_get_buffer (GTK_TEXT_VIEW (ed.field ("description-view")));
+        gtk_text_buffer_set_text (buffer, std::string (16001, 'x').c_str (), -1);
+        EXPECT_EQ (gtk_text_buffer_get_char_count (buffer), 16000);
+        EXPECT_TRUE (ed.has_banner ("Description limit reached"));
+        /* The title takes at most 256 characters and says so. */
+        gtk_entry_set_text (GTK_ENTRY (ed.field ("title-entry")), std::string (256, 'y').c_str ());
+        ed.type ("title-entry", "z");
+        EXPECT_EQ (gtk_entry_get_text_length (GTK_ENTRY (ed.field ("title-entry"))), 256);
+        EXPECT_TRUE (ed.has_banner (TAV_COMMON ("ckdg_ib_maximum_characters_reached")));
+
+        /* The complex rule is shown and protected by a question. */
+        EXPECT_EQ (ed.value ("repeat-button"), tav_calendar_repeat_to_string (TavCalendarRepeatsComplex));
+        GtkWidget *note = nullptr;
+        guint answer = g_timeout_add (200, +[] (gpointer data) -> gboolean {
+            auto *window = static_cast<GtkWidget *> (data);
+            GtkWidget *note = tav_calendar_dialog_get_modal_widget_ptr (TAV_CALENDAR_DIALOG (window));
+            if (!note || !gtk_widget_get_mapped (note))
+                return TRUE;
+            g_object_set_data (G_OBJECT (window), "asked", g_strdup (kivo_note_get_description (KIVO_NOTE (note))));
+            GtkWidget *cancel = kivo_note_get_cancel_button (KIVO_NOTE (note));
+            PointerDriver::tap (cancel, cancel->allocation.width / 2, cancel->allocation.height / 2);
+            return FALSE;
+        }, ed.window ());
+        ed.tap ("repeat-button");
+        flush_events ();
+        auto *asked = static_cast<char *> (g_object_get_data (G_OBJECT (ed.window ()), "asked"));
+        EXPECT_STREQ (asked, TAV_CAL ("cal_nc_edit_complex_recurrence"));
+        g_free (asked);
+        (void) answer;
+        (void) note;
+        EXPECT_EQ (kivo_picker_button_get_picker_dialog (KIVO_PICKER_BUTTON (ed.field ("repeat-button"))), nullptr)
+            << "refused: the picker stays closed";
+        EXPECT_EQ (tav_calendar_dialog_get_modal_widget_ptr (TAV_CALENDAR_DIALOG (ed.window ())), nullptr);
+        ed.save ();
+        ASSERT_TRUE (run_main_loop_until ([&] { return !ed.alive (); }, 3000));
+    }
+    gboolean has_rrule = FALSE;
+    int repeat = 0;
+    g_object_get (entry, "has-rrule", &has_rrule, "repeat-code", &repeat, NULL);
+    EXPECT_TRUE (has_rrule) << "an untouched complex rule is kept";
+    EXPECT_EQ (repeat, TavCalendarRepeatsComplex);
+    EXPECT_EQ (read (entry).description.size (), 16000u);
+
+    /* Only a read-only calendar: nothing can be stored, and the user is told. */
+    LogCapture capture;
+    EditorDriver ed (editor_for (nullptr, {shared.get ()}));
+    EXPECT_EQ (ed.value ("calendar-button"), "");
+    ed.type ("title-entry", "trip");
+    ed.save ();
+    ASSERT_TRUE (run_main_loop_until ([&] { return !ed.alive (); }, 3000));
+    EXPECT_TRUE (capture.has_warning ("No calendar source, can not create entry."));
+    EXPECT_EQ (ed.errors.size (), 1u);
+    EXPECT_EQ (writes (shared.get ()), 0u);
+}
+
+TEST (EventWindow, ArgumentChecks)
+{
+    REQUIRE_DISPLAY ();
+    LogCapture capture;
+    GtkWidget *label = gtk_label_new ("x");
+    g_object_ref_sink (label);
+    TavCalendarEventWindow *bad = reinterpret_cast<TavCalendarEventWindow *> (label);
+    const TavDate date = {2026, 1, 1};
+    const TavTime time = {9, 0};
+    EXPECT_EQ (tav_calendar_event_window_new_from_entry (nullptr), nullptr);
+    tav_calendar_event_window_add_source (bad, nullptr);
+    tav_calendar_event_window_add_sources (bad, nullptr);
+    tav_calendar_event_window_set_selected_date (bad, &date);
+    tav_calendar_event_window_set_selected_start_time (bad, &time);
+    tav_calendar_event_window_set_selected_end_time (bad, &time);
+    tav_calendar_event_window_set_all_day (bad, TRUE);
+    EXPECT_EQ (capture.count_criticals ("TAV_IS_CALENDAR_EVENT_WINDOW (window)"), 6) << capture.dump ();
+    EXPECT_EQ (capture.count_criticals ("TAV_IS_CALENDAR_ENTRY(entry)"), 1);
+    GtkWidget *window = tav_calendar_event_window_new ();
+    tav_calendar_event_window_add_source (TAV_CALENDAR_EVENT_WINDOW (window), nullptr);
+    EXPECT_EQ (capture.count_criticals ("TAV_IS_CALENDAR_SOURCE(source)"), 1);
+    const TavDate bad_date = {2026, 1, 30};
+    tav_calendar_event_window_set_selected_date (TAV_CALENDAR_EVENT_WINDOW (window), &bad_date);
+    EXPECT_EQ (capture.count_criticals ("tav_date_is_valid (date)"), 1) << "30 February is refused";
+    gtk_widget_destroy (window);
+    g_object_unref (label);
+}
