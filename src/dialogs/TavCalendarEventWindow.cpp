@@ -858,8 +858,14 @@ reset_window_from_event (TavCalendarEventWindow *window)
     } else {
         kivo_entry_set_text (KIVO_ENTRY (priv->title_entry), title ? title : "");
     }
-    kivo_entry_set_text (KIVO_ENTRY (priv->location_entry),
-                         location && g_utf8_validate (location, -1, nullptr) ? location : "");
+    /* The location is stored unchecked: show what can be shown of it
+     * rather than nothing. */
+    if (location && !g_utf8_validate (location, -1, nullptr)) {
+        TAV_WARNING ("Invalid UTF-8 string received for location.");
+        location_holder.reset (g_utf8_make_valid (location, -1));
+        location = location_holder.get ();
+    }
+    kivo_entry_set_text (KIVO_ENTRY (priv->location_entry), location ? location : "");
     tav_kivo_text_view_set_text (KIVO_TEXT_VIEW (priv->description_view),
                                  description && g_utf8_validate (description, -1, nullptr) ? description : "");
     gtk_toggle_button_set_active (GTK_TOGGLE_BUTTON (priv->all_day_button), priv->all_day);

@@ -401,3 +401,57 @@ TEST (EventWindow, ArgumentChecks)
     gtk_widget_destroy (window);
     g_object_unref (label);
 }
+
+TEST (EventWindow, AllDayEventsAndEntriesFromOutsideTheCalendarsYears)
+{
+    REQUIRE_XTEST ();
+    MemorySourcePtr home (tav_memory_source_new ("Home", TavCalendarColorRed, CalendarSourceTypeLocal));
+    const TavDate day = day_from_today (5);
+    {
+        GtkWidget *window = editor_for (nullptr, {home.get ()});
+        tav_calendar_event_window_set_selected_date (TAV_CALENDAR_EVENT_WINDOW (window), &day);
+        tav_calendar_event_window_set_all_day (TAV_CALENDAR_EVENT_WINDOW (window), TRUE);
+        EditorDriver ed (window);
+        EXPECT_FALSE (gtk_widget_get_visible (ed.field ("start-time-button")));
+        EXPECT_EQ (ed.rows ("alarm-button"), (std::vector<std::string> {tav_calendar_alarm_to_string (TavCalendarAlarmNone),
+                                                                         tav_calendar_alarm_to_string (TavCalendarAlarmDayBefore)}));
+        EXPECT_FALSE (gtk_widget_get_visible (ed.field ("alarm-time-button")));
+        ASSERT_TRUE (ed.choose ("alarm-button", tav_calendar_alarm_to_string (TavCalendarAlarmDayBefore)));
+        EXPECT_TRUE (gtk_widget_get_visible (ed.field ("alarm-time-button"))) << "the day-before alarm has a time";
+        ed.choose_time ("alarm-time-button", 7, 45);
+        ed.type ("title-entry", "holiday");
+        ed.save ();
+        ASSERT_TRUE (run_main_loop_until ([&] { return !ed.alive (); }, 3000));
+    }
+    GList *events = tav_memory_source_list_events (home.get (), nullptr);
+    ASSERT_EQ (g_list_length (events), 1u);
+    TavCalendarEntry *stored = TAV_CALENDAR_ENTRY (events->data);
+    const Stored s = read (stored);
+    TavTime *alarm_time = nullptr;
+    g_object_get (stored, "alarm-time", &alarm_time, NULL);
+    EXPECT_TRUE (s.all_day);
+    EXPECT_EQ (hhmm (s.start_time) + "-" + hhmm (s.end_time), "00:00-23:59");
+    EXPECT_EQ (s.alarm, TavCalendarAlarmDayBefore);
+    EXPECT_EQ (hhmm (*alarm_time), "07:45");
+    tav_time_free (alarm_time);
+    g_list_free_full (events, g_object_unref);
+
+    /* An entry from 2038 with a location that is not UTF-8: shown as well as
+     * it can be, saved without losing its dates. */
+    LogCapture capture;
+    const TavDate far = {2038, 0, 5};
+    TavCalendarEntry *entry = stored_event (home.get (), "far away", far, {9, 0}, {10, 0});
+    g_object_set (entry, "location", "caf\xe9", NULL);
+    EditorDriver ed (editor_for (entry, {home.get ()}));
+    EXPECT_EQ (ed.value ("start-date-button"), "05.01.2038");
+    EXPECT_TRUE (capture.has_warning ("Invalid UTF-8 string received for location.")) << capture.dump ();
+    EXPECT_TRUE (g_str_has_prefix (gtk_entry_get_text (GTK_ENTRY (ed.field ("location-entry"))), "caf"));
+    ed.type ("title-entry", " trip");
+    ed.save ();
+    ASSERT_TRUE (run_main_loop_until ([&] { return !ed.alive (); }, 3000));
+    const Stored after = read (entry);
+    EXPECT_EQ (after.title, "far away trip");
+    EXPECT_TRUE (same_day (after.start_date, far)) << "the date outside the pickers' years is kept";
+    EXPECT_EQ (hhmm (after.start_time), "09:00");
+    EXPECT_EQ (capture.count_criticals (""), 0) << capture.dump ();
+}
