@@ -35,12 +35,6 @@ void tap_center (GtkWidget *widget)
     PointerDriver::tap (widget, widget->allocation.width / 2, widget->allocation.height / 2);
 }
 
-void record (EditorDriver *driver, const char *signal, TavCalendarEntry *entry)
-{
-    driver->signals.push_back (signal);
-    driver->signal_entries.push_back (entry);
-}
-
 } // namespace
 
 TavDate day_from_today (int days)
@@ -48,10 +42,7 @@ TavDate day_from_today (int days)
     TavDate date;
     tav_date_init_today (&date);
     TavCalendarProcessor *processor = tav_calendar_processor_new ();
-    if (days >= 0)
-        tav_calendar_processor_inc_date_by_days (processor, &date, days);
-    else
-        tav_calendar_processor_dec_date_by_days (processor, &date, -days);
+    tav_calendar_processor_inc_date_by_days (processor, &date, days);
     g_object_unref (processor);
     return date;
 }
@@ -59,15 +50,15 @@ TavDate day_from_today (int days)
 EditorDriver::EditorDriver (GtkWidget *window) : m_window (window)
 {
     g_object_add_weak_pointer (G_OBJECT (window), reinterpret_cast<gpointer *> (&m_window));
-    g_signal_connect (window, "entry-created", G_CALLBACK (+[] (GtkWidget *, TavCalendarEntry *e, gpointer d) {
-        record (static_cast<EditorDriver *> (d), "entry-created", e);
-    }), this);
-    g_signal_connect (window, "entry-saved", G_CALLBACK (+[] (GtkWidget *, TavCalendarEntry *e, gpointer d) {
-        record (static_cast<EditorDriver *> (d), "entry-saved", e);
-    }), this);
-    g_signal_connect (window, "deleting-entry", G_CALLBACK (+[] (GtkWidget *, TavCalendarEntry *e, gpointer d) {
-        record (static_cast<EditorDriver *> (d), "deleting-entry", e);
-    }), this);
+    /* The three entry signals share a signature: the signal's name comes
+     * from the emission itself. */
+    for (const char *name : {"entry-created", "entry-saved", "deleting-entry"}) {
+        g_signal_connect (window, name, G_CALLBACK (+[] (GtkWidget *, TavCalendarEntry *e, gpointer d) {
+            auto *driver = static_cast<EditorDriver *> (d);
+            driver->signals.push_back (g_signal_name (g_signal_get_invocation_hint (driver->window ())->signal_id));
+            driver->signal_entries.push_back (e);
+        }), this);
+    }
     g_signal_connect (window, "error", G_CALLBACK (+[] (GtkWidget *, const char *text, gpointer d) {
         static_cast<EditorDriver *> (d)->errors.push_back (text);
     }), this);
@@ -85,6 +76,11 @@ EditorDriver::~EditorDriver ()
         gtk_widget_destroy (m_window);
     }
     flush_events ();
+}
+
+bool EditorDriver::run_until_closed ()
+{
+    return run_main_loop_until ([this] { return !alive (); }, 3000);
 }
 
 GtkWidget *EditorDriver::field (const char *name) const

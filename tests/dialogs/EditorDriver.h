@@ -35,6 +35,13 @@ public:
     void choose_time (const char *name, int hour, int minute);
     void choose_date (const char *name, const TavDate &date);
     void save () { tap ("save-button"); }
+    /* Taps Save; true when the editor then closed. */
+    bool save_and_close ()
+    {
+        save ();
+        return run_until_closed ();
+    }
+    bool run_until_closed ();
 
     /* Texts of the banners now on screen. */
     static std::vector<std::string> banners ();

@@ -41,8 +41,7 @@ TEST (EventWindowHost, CreatesEditsAndMovesInTheStore)
         EditorDriver ed (open_event_editor (*f.set, &day, nullptr));
         ed.type ("title-entry", "dentist");
         ed.choose_time ("start-time-button", 8, 30);
-        ed.save ();
-        ASSERT_TRUE (tav::test::run_main_loop_until ([&] { return !ed.alive (); }, 3000));
+        ASSERT_TRUE (ed.save_and_close ());
         EXPECT_EQ (ed.signals, std::vector<std::string> {"entry-created"});
     }
     std::vector<EntryRecord> stored = f.events ();
@@ -62,8 +61,7 @@ TEST (EventWindowHost, CreatesEditsAndMovesInTheStore)
         g_object_unref (entry);
         EXPECT_EQ (ed.value ("repeat-button"), tav_calendar_repeat_to_string (TavCalendarRepeatsEveryWeek));
         ed.type ("title-entry", " class");
-        ed.save ();
-        ASSERT_TRUE (tav::test::run_main_loop_until ([&] { return !ed.alive (); }, 3000));
+        ASSERT_TRUE (ed.save_and_close ());
         EXPECT_EQ (ed.signals, std::vector<std::string> {"entry-saved"});
     }
     EntryRecord weekly;
@@ -79,8 +77,7 @@ TEST (EventWindowHost, CreatesEditsAndMovesInTheStore)
         EditorDriver ed (open_event_editor (*f.set, nullptr, entry));
         g_object_unref (entry);
         ASSERT_TRUE (ed.choose ("calendar-button", "Work"));
-        ed.save ();
-        ASSERT_TRUE (tav::test::run_main_loop_until ([&] { return !ed.alive (); }, 3000));
+        ASSERT_TRUE (ed.save_and_close ());
         EXPECT_EQ (ed.signals, (std::vector<std::string> {"entry-created", "deleting-entry"}));
     }
     EXPECT_FALSE (f.store->find_entry_by_uid (f.calendar, "weekly-1", nullptr));
