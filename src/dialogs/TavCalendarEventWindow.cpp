@@ -380,15 +380,17 @@ start_changed (TavCalendarEventWindow *window, const TavTimestamp &new_start)
     show_dates (window);
 }
 
-/* An end on the start's date before the start time is put right. */
+/* An end on the start's date before the start time is put right; the user
+ * is told why (@tell) unless the host's presets caused it. */
 static void
-correct_end_time (TavCalendarEventWindow *window)
+correct_end_time (TavCalendarEventWindow *window, bool tell = true)
 {
     TavCalendarEventWindowPrivate *priv = window->priv;
     if (!priv->all_day && tav_date_compare (&priv->start_date, &priv->end_date) == 0
         && tav_time_compare (&priv->end_time, &priv->start_time) < 0) {
         priv->end_time = editor::corrected_end_time (priv->start_time);
-        banner (window, TAV_CAL ("cal_ib_time_earlier"));
+        if (tell)
+            banner (window, TAV_CAL ("cal_ib_time_earlier"));
     }
 }
 
@@ -1201,13 +1203,8 @@ tav_calendar_event_window_set_selected_start_time (TavCalendarEventWindow *windo
 {
     g_return_if_fail (TAV_IS_CALENDAR_EVENT_WINDOW (window));
     g_return_if_fail (time != NULL && time->hour >= 0 && time->hour <= 23 && time->minute >= 0 && time->minute <= 59);
-    TavCalendarEventWindowPrivate *priv = window->priv;
-    Updating guard (priv);
-    priv->start_time = *time;
-    correct_end_time (window);
-    rebuild_repeat_rows (window);
-    rebuild_alarm_rows (window);
-    show_dates (window);
+    Updating guard (window->priv);
+    start_changed (window, TavTimestamp {window->priv->start_date, *time});
 }
 
 void
@@ -1217,8 +1214,9 @@ tav_calendar_event_window_set_selected_end_time (TavCalendarEventWindow *window,
     g_return_if_fail (time != NULL && time->hour >= 0 && time->hour <= 23 && time->minute >= 0 && time->minute <= 59);
     TavCalendarEventWindowPrivate *priv = window->priv;
     Updating guard (priv);
+    priv->end_date = priv->start_date;
     priv->end_time = *time;
-    correct_end_time (window);
+    correct_end_time (window, false);
     rebuild_repeat_rows (window);
     show_dates (window);
 }

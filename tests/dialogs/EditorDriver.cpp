@@ -88,9 +88,9 @@ GtkWidget *EditorDriver::field (const char *name) const
     return m_window ? find_named (m_window, name) : nullptr;
 }
 
-std::string EditorDriver::value (const char *name) const
+std::string EditorDriver::value_of (GtkWidget *window, const char *name)
 {
-    const char *text = kivo_button_get_value (KIVO_BUTTON (field (name)));
+    const char *text = kivo_button_get_value (KIVO_BUTTON (find_named (window, name)));
     return text ? text : "";
 }
 

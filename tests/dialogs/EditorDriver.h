@@ -21,7 +21,8 @@ public:
     /* The field named @name ("title-entry", "repeat-button", ...). */
     GtkWidget *field (const char *name) const;
     /* The value a picker button shows. */
-    std::string value (const char *name) const;
+    std::string value (const char *name) const { return value_of (m_window, name); }
+    static std::string value_of (GtkWidget *window, const char *name);
 
     void tap (const char *name);
     /* Taps into the entry, moves to its end and types @text. */

@@ -368,6 +368,16 @@ TEST (EventWindow, ArgumentChecks)
     EXPECT_EQ (capture.count_criticals ("TAV_IS_CALENDAR_EVENT_WINDOW (window)"), 6) << capture.dump ();
     EXPECT_EQ (capture.count_criticals ("TAV_IS_CALENDAR_ENTRY(entry)"), 1);
     GtkWidget *window = tav_calendar_event_window_new ();
+    /* Presets: the start moves the event, the end follows the host. */
+    EditorDriver::clear_banners ();
+    const TavTime two = {14, 0}, half_past_three = {15, 30};
+    tav_calendar_event_window_set_selected_start_time (TAV_CALENDAR_EVENT_WINDOW (window), &two);
+    EXPECT_EQ (EditorDriver::value_of (window, "end-time-button"), "15:00");
+    tav_calendar_event_window_set_selected_end_time (TAV_CALENDAR_EVENT_WINDOW (window), &half_past_three);
+    EXPECT_EQ (EditorDriver::value_of (window, "end-time-button"), "15:30");
+    tav_calendar_event_window_set_selected_end_time (TAV_CALENDAR_EVENT_WINDOW (window), &time);
+    EXPECT_EQ (EditorDriver::value_of (window, "end-time-button"), "15:00") << "an hour after the start";
+    EXPECT_TRUE (EditorDriver::banners ().empty ()) << "presets correct silently";
     tav_calendar_event_window_add_source (TAV_CALENDAR_EVENT_WINDOW (window), nullptr);
     EXPECT_EQ (capture.count_criticals ("TAV_IS_CALENDAR_SOURCE(source)"), 1);
     const TavDate bad_date = {2026, 1, 30};
