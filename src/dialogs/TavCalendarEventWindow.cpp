@@ -610,9 +610,14 @@ confirm_complex_edit (GtkWidget *button, gpointer data)
     TavCalendarDialog *dialog = TAV_CALENDAR_DIALOG (window);
     tav_calendar_dialog_set_modal_widget_ptr (dialog, note);
     GRefPtr<GtkWidget> keep_window (GTK_WIDGET (window));
+    g_object_add_weak_pointer (G_OBJECT (note), reinterpret_cast<gpointer *> (&note));
     const int response = gtk_dialog_run (GTK_DIALOG (note));
-    if (GTK_IS_WIDGET (note) && tav_calendar_dialog_get_modal_widget_ptr (dialog) == note) {
+    /* The window may have been closed under the note (its dispose answers
+     * the note); the note is ours to destroy in every case. */
+    if (tav_calendar_dialog_get_modal_widget_ptr (dialog) == note)
         tav_calendar_dialog_reset_modal_widget_ptr (dialog);
+    if (note) {
+        g_object_remove_weak_pointer (G_OBJECT (note), reinterpret_cast<gpointer *> (&note));
         gtk_widget_destroy (note);
     }
     if (response != GTK_RESPONSE_OK || priv->disposed)

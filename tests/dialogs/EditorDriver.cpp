@@ -188,26 +188,16 @@ bool EditorDriver::choose (const char *name, const std::string &row_text)
     return true;
 }
 
-void EditorDriver::choose_time (const char *name, int hour, int minute)
+void EditorDriver::choose_columns (const char *name, std::initializer_list<int> rows)
 {
     GtkWidget *button = field (name);
     GtkWidget *dialog = open_picker (name);
     ASSERT_NE (dialog, nullptr) << name;
     KivoTouchSelector *selector = kivo_picker_button_get_selector (KIVO_PICKER_BUTTON (button));
-    kivo_touch_selector_set_active (selector, 0, hour);
-    kivo_touch_selector_set_active (selector, 1, minute);
-    close_picker (button, dialog, true);
-}
-
-void EditorDriver::choose_date (const char *name, const TavDate &date)
-{
-    GtkWidget *button = field (name);
-    GtkWidget *dialog = open_picker (name);
-    ASSERT_NE (dialog, nullptr) << name;
-    KivoTouchSelector *selector = kivo_picker_button_get_selector (KIVO_PICKER_BUTTON (button));
-    kivo_touch_selector_set_active (selector, 2, date.year - KIVO_DATE_BUTTON_MIN_YEAR);
-    kivo_touch_selector_set_active (selector, 1, date.month);
-    kivo_touch_selector_set_active (selector, 0, date.day - 1);
+    /* Last column first: a date's day is chosen once its month is known. */
+    int column = int (rows.size ());
+    for (auto row = std::rbegin (rows); row != std::rend (rows); ++row)
+        kivo_touch_selector_set_active (selector, --column, *row);
     close_picker (button, dialog, true);
 }
 

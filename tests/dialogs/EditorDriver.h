@@ -33,8 +33,13 @@ public:
     bool choose (const char *name, const std::string &row_text);
     /* The rows a one-column picker offers now. */
     std::vector<std::string> rows (const char *name) const;
-    void choose_time (const char *name, int hour, int minute);
-    void choose_date (const char *name, const TavDate &date);
+    /* Opens a picker of several columns, selects @rows and taps Done. */
+    void choose_columns (const char *name, std::initializer_list<int> rows);
+    void choose_time (const char *name, int hour, int minute) { choose_columns (name, {hour, minute}); }
+    void choose_date (const char *name, const TavDate &d)
+    {
+        choose_columns (name, {d.day - 1, d.month, d.year - 1970});
+    }
     void save () { tap ("save-button"); }
     /* Taps Save; true when the editor then closed. */
     bool save_and_close ()
