@@ -6,6 +6,7 @@
 
 #include "../platform/PointerDriver.h"
 #include "KivoBanner.h"
+#include "KivoNote.h"
 #include "KivoButton.h"
 #include "KivoDateButton.h"
 #include "KivoPannableArea.h"
@@ -71,6 +72,8 @@ EditorDriver::EditorDriver (GtkWidget *window) : m_window (window)
 
 EditorDriver::~EditorDriver ()
 {
+    if (m_answer_source)
+        g_source_remove (m_answer_source);
     if (m_window) {
         g_object_remove_weak_pointer (G_OBJECT (m_window), reinterpret_cast<gpointer *> (&m_window));
         gtk_widget_destroy (m_window);
@@ -186,6 +189,28 @@ bool EditorDriver::choose (const char *name, const std::string &row_text)
     PointerDriver::tap (GTK_WIDGET (view), x, y);
     close_picker (button, dialog, false);
     return true;
+}
+
+void EditorDriver::answer_next_note (bool ok)
+{
+    asked.clear ();
+    m_answer_ok = ok;
+    if (m_answer_source)
+        g_source_remove (m_answer_source);
+    m_answer_source = g_timeout_add (100, +[] (gpointer data) -> gboolean {
+        auto *driver = static_cast<EditorDriver *> (data);
+        GtkWidget *note = driver->m_window ? tav_calendar_dialog_get_modal_widget_ptr (TAV_CALENDAR_DIALOG (driver->m_window))
+                                           : nullptr;
+        if (driver->m_window && (!note || !gtk_widget_get_mapped (note)))
+            return TRUE;
+        driver->m_answer_source = 0;
+        if (!note)
+            return FALSE;
+        driver->asked = kivo_note_get_description (KIVO_NOTE (note));
+        tap_center (driver->m_answer_ok ? kivo_note_get_ok_button (KIVO_NOTE (note))
+                                        : kivo_note_get_cancel_button (KIVO_NOTE (note)));
+        return FALSE;
+    }, this);
 }
 
 void EditorDriver::choose_columns (const char *name, std::initializer_list<int> rows)

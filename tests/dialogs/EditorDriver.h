@@ -49,6 +49,11 @@ public:
     }
     bool run_until_closed ();
 
+    /* The next confirmation the editor asks is answered OK (@ok) or Cancel
+     * with a tap; its question lands in @asked. */
+    void answer_next_note (bool ok);
+    std::string asked;
+
     /* Texts of the banners now on screen. */
     static std::vector<std::string> banners ();
     static void clear_banners ();
@@ -64,6 +69,8 @@ private:
     void close_picker (GtkWidget *button, GtkWidget *dialog, bool press_done);
 
     GtkWidget *m_window;
+    bool m_answer_ok = false;
+    guint m_answer_source = 0;
 };
 
 /* A date @days from today. */

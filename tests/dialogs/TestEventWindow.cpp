@@ -305,24 +305,9 @@ TEST (EventWindow, LongTextsComplexRulesAndReadOnlyCalendars)
 
         /* The complex rule is shown and protected by a question. */
         EXPECT_EQ (ed.value ("repeat-button"), tav_calendar_repeat_to_string (TavCalendarRepeatsComplex));
-        GtkWidget *note = nullptr;
-        guint answer = g_timeout_add (200, +[] (gpointer data) -> gboolean {
-            auto *window = static_cast<GtkWidget *> (data);
-            GtkWidget *note = tav_calendar_dialog_get_modal_widget_ptr (TAV_CALENDAR_DIALOG (window));
-            if (!note || !gtk_widget_get_mapped (note))
-                return TRUE;
-            g_object_set_data (G_OBJECT (window), "asked", g_strdup (kivo_note_get_description (KIVO_NOTE (note))));
-            GtkWidget *cancel = kivo_note_get_cancel_button (KIVO_NOTE (note));
-            PointerDriver::tap (cancel, cancel->allocation.width / 2, cancel->allocation.height / 2);
-            return FALSE;
-        }, ed.window ());
+        ed.answer_next_note (false);
         ed.tap ("repeat-button");
-        flush_events ();
-        auto *asked = static_cast<char *> (g_object_get_data (G_OBJECT (ed.window ()), "asked"));
-        EXPECT_STREQ (asked, TAV_CAL ("cal_nc_edit_complex_recurrence"));
-        g_free (asked);
-        (void) answer;
-        (void) note;
+        EXPECT_EQ (ed.asked, TAV_CAL ("cal_nc_edit_complex_recurrence"));
         EXPECT_EQ (kivo_picker_button_get_picker_dialog (KIVO_PICKER_BUTTON (ed.field ("repeat-button"))), nullptr)
             << "refused: the picker stays closed";
         EXPECT_EQ (tav_calendar_dialog_get_modal_widget_ptr (TAV_CALENDAR_DIALOG (ed.window ())), nullptr);
@@ -333,6 +318,16 @@ TEST (EventWindow, LongTextsComplexRulesAndReadOnlyCalendars)
     g_object_get (entry, "has-rrule", &has_rrule, "repeat-code", &repeat, NULL);
     EXPECT_TRUE (has_rrule) << "an untouched complex rule is kept";
     EXPECT_EQ (repeat, TavCalendarRepeatsComplex);
+    {
+        /* Agreed to: the new choice replaces the rule. */
+        EditorDriver ed (editor_for (entry, {home.get ()}));
+        ed.answer_next_note (true);
+        ASSERT_TRUE (ed.choose ("repeat-button", tav_calendar_repeat_to_string (TavCalendarRepeatsEveryWeek)));
+        EXPECT_EQ (ed.rows ("repeat-button").size (), 6u) << "the complex row is gone";
+        ASSERT_TRUE (ed.save_and_close ());
+    }
+    g_object_get (entry, "has-rrule", &has_rrule, "repeat-code", &repeat, NULL);
+    EXPECT_EQ (std::make_pair (has_rrule, repeat), std::make_pair (FALSE, int (TavCalendarRepeatsEveryWeek)));
     char *description = nullptr;
     g_object_get (entry, "description", &description, NULL);
     EXPECT_EQ (strlen (description), 16000u);
