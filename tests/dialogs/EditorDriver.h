@@ -12,15 +12,14 @@ namespace tav::test {
 
 class EditorDriver {
 public:
-    /* Shows @window (tall enough for every row) and waits for it. */
+    /* Shows @window tall enough for every row. */
     explicit EditorDriver (GtkWidget *window);
     ~EditorDriver ();
 
     GtkWidget *window () const { return m_window; }
     bool alive () const { return m_window != nullptr; }
-    /* The field named @name ("title-entry", "repeat-button", ...). */
+    /* The field named @name ("title-entry", ...) and a picker's value. */
     GtkWidget *field (const char *name) const;
-    /* The value a picker button shows. */
     std::string value (const char *name) const { return value_of (m_window, name); }
     static std::string value_of (GtkWidget *window, const char *name);
 
@@ -28,8 +27,8 @@ public:
     /* Taps into the entry, moves to its end and types @text. */
     void type (const char *name, const char *text);
     void key (guint keyval);
-    /* Opens a one-column picker and taps the row showing @row_text;
-     * false when no row shows it. */
+    /* Taps the row showing @row_text in a one-column picker; false when
+     * there is none. */
     bool choose (const char *name, const std::string &row_text);
     /* The rows a one-column picker offers now. */
     std::vector<std::string> rows (const char *name) const;

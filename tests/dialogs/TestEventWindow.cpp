@@ -9,6 +9,7 @@
 #include "KivoNote.h"
 #include "KivoPickerButton.h"
 #include "TavCalendarEventWindowPrivate.h"
+#include "TavGPtr.h"
 #include "TavIntl.h"
 #include "TavMemorySource.h"
 #include "TestSupport.h"
@@ -83,8 +84,7 @@ guint calls (TavMemorySource *s, TavMemorySlot slot)
 
 guint writes (TavMemorySource *s)
 {
-    return calls (s, TAV_MEMORY_SLOT_CREATE_ENTRY) + calls (s, TAV_MEMORY_SLOT_SAVE_ENTRY)
-         + calls (s, TAV_MEMORY_SLOT_DELETE_ENTRY);
+    return calls (s, TAV_MEMORY_SLOT_CREATE_ENTRY) + calls (s, TAV_MEMORY_SLOT_SAVE_ENTRY) + calls (s, TAV_MEMORY_SLOT_DELETE_ENTRY);
 }
 
 } // namespace
@@ -184,12 +184,7 @@ TEST (EventWindow, NothingWrittenOnEscapeAndFailuresLeaveTheStoreAlone)
     const std::string untouched = summary (entry);
     EXPECT_EQ (untouched, "review||" + day (day_) + " 14:00-" + day (day_) + " 15:00|a0|r0|timed");
 
-    const std::string disk_full = [] {
-        char *t = tav_calendar_get_error_string (CalendarDiskFullError);
-        std::string s = t;
-        g_free (t);
-        return s;
-    }();
+    const std::string disk_full = tav::GCharPtr (tav_calendar_get_error_string (CalendarDiskFullError)).get ();
     LogCapture capture;
     /* A refused save: the error is reported and the entry keeps its values. */
     tav_memory_source_fail (work.get (), TAV_MEMORY_SLOT_SAVE_ENTRY, CalendarDiskFullError);

@@ -32,7 +32,7 @@ struct HostEditorFixture : StoreFixture {
 
 }  // namespace
 
-TEST (EventWindowHost, CreatesEditsAndMovesInTheStore)
+TEST (EventWindowHost, CreatesAndMovesInTheStore)
 {
     REQUIRE_XTEST ();
     HostEditorFixture f;
@@ -53,7 +53,9 @@ TEST (EventWindowHost, CreatesEditsAndMovesInTheStore)
     EXPECT_EQ (created.end, at (2030, 5, 20, 9, 30));
     EXPECT_FALSE (created.repeats ());
 
-    /* The weekly event: renamed in place, its rule and UID kept. */
+    /* The weekly event, renamed and moved to Work: created there with its
+     * rule and start, gone from Home. (Saving in place is the same road as
+     * in the in-memory tests.) */
     {
         TavCalendarEntry *entry = find_event (*f.set, "weekly-1");
         ASSERT_NE (entry, nullptr);
@@ -61,21 +63,6 @@ TEST (EventWindowHost, CreatesEditsAndMovesInTheStore)
         g_object_unref (entry);
         EXPECT_EQ (ed.value ("repeat-button"), tav_calendar_repeat_to_string (TavCalendarRepeatsEveryWeek));
         ed.type ("title-entry", " class");
-        ASSERT_TRUE (ed.save_and_close ());
-        EXPECT_EQ (ed.signals, std::vector<std::string> {"entry-saved"});
-    }
-    EntryRecord weekly;
-    ASSERT_TRUE (f.store->find_entry_by_uid (f.calendar, "weekly-1", &weekly));
-    EXPECT_EQ (weekly.title, "yoga class");
-    EXPECT_EQ (weekly.rrule, "FREQ=WEEKLY") << "a rule without end keeps having none";
-    EXPECT_EQ (weekly.start, at (2030, 3, 4, 18));
-
-    /* Moved to Work: created there, gone from Home. */
-    {
-        TavCalendarEntry *entry = find_event (*f.set, "weekly-1");
-        ASSERT_NE (entry, nullptr);
-        EditorDriver ed (open_event_editor (*f.set, nullptr, entry));
-        g_object_unref (entry);
         ASSERT_TRUE (ed.choose ("calendar-button", "Work"));
         ASSERT_TRUE (ed.save_and_close ());
         EXPECT_EQ (ed.signals, (std::vector<std::string> {"entry-created", "deleting-entry"}));
