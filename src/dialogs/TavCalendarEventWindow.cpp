@@ -641,9 +641,12 @@ description_text (TavCalendarEventWindow *window)
 }
 
 /* A new entry with the window's fields, stored in the chosen calendar.
- * Returns it (one reference) when the calendar accepted it. */
+ * Returns it (one reference) when the calendar accepted it. For a move,
+ * @moving is the entry that leaves its calendar: the copy carries its ID,
+ * so that a calendar can keep what the fields cannot say (a complex rule,
+ * exceptions, the entry's identity elsewhere). */
 static TavCalendarEntry *
-create_new_entry (TavCalendarEventWindow *window)
+create_new_entry (TavCalendarEventWindow *window, TavCalendarEntry *moving = nullptr)
 {
     TavCalendarEventWindowPrivate *priv = window->priv;
     TavCalendarSource *source =
@@ -667,6 +670,12 @@ create_new_entry (TavCalendarEventWindow *window)
                   "start-time", &start_time, "end-time", &end_time, "end-date", &priv->end_date,
                   "end-repetition-date", &priv->until, "repeat-code", priv->repeat_code, "alarm-code",
                   priv->alarm_code, "alarm-time", &priv->alarm_time, "show-until", TRUE, NULL);
+    if (moving) {
+        char *id = nullptr;
+        g_object_get (moving, "num-id", &id, NULL);
+        g_object_set (entry.get (), "num-id", id, "has-rrule", priv->repeat_code == TavCalendarRepeatsComplex, NULL);
+        g_free (id);
+    }
     const int error = tav_calendar_source_create_entry (source, entry.get ());
     TAV_MESSAGE ("The error is %d", error);
     if (error == CalendarNoError) {
@@ -689,7 +698,7 @@ static void
 move_entry (TavCalendarEventWindow *window)
 {
     TavCalendarEventWindowPrivate *priv = window->priv;
-    GRefPtr<TavCalendarEntry> created = tav::adoptGRef (create_new_entry (window));
+    GRefPtr<TavCalendarEntry> created = tav::adoptGRef (create_new_entry (window, priv->entry.get ()));
     if (!created) {
         TAV_WARNING ("Unable to proceed with move operation!");
         return;

@@ -73,5 +73,6 @@ TEST (EventWindowHost, CreatesAndMovesInTheStore)
     EXPECT_EQ (at_work[0].title, "yoga class");
     EXPECT_EQ (at_work[0].start, at (2030, 3, 4, 18));
     EXPECT_EQ (at_work[0].rrule, "FREQ=WEEKLY");
+    EXPECT_EQ (at_work[0].uid, "weekly-1") << "the moved event is the same event";
     EXPECT_EQ (f.events ().size (), 2u) << "nothing doubled, nothing lost";
 }
