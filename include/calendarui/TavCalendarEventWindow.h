@@ -28,7 +28,9 @@
  * Signals (run last; void (*) (TavCalendarEventWindow *window,
  * TavCalendarEntry *entry, gpointer user_data)):
  *   "entry-created"   a new entry was stored in its calendar (also the new
- *                     copy of a moved entry);
+ *                     copy of a moved entry, which carries the old entry's
+ *                     "num-id" into create_entry so that the calendar can
+ *                     keep what the fields cannot express);
  *   "entry-saved"     an edited entry was saved in place, or its calendar
  *                     answered that the entry already existed and stored
  *                     it over the old one;
