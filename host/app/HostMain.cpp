@@ -6,6 +6,7 @@
  *   tav-calendar --screenshot DIR
  *   tav-calendar --applet [--db PATH | --demo]
  *   tav-calendar --settings
+ *   tav-calendar --new-event [--date YYYY-MM-DD] | --edit-event UID
  *
  * Settings are kept in $XDG_CONFIG_HOME/tav-calendar/settings.ini.
  *
@@ -16,6 +17,7 @@
 #include "HostCalendarSet.h"
 #include "HostCivilTime.h"
 #include "HostDemo.h"
+#include "HostEditor.h"
 #include "HostWindow.h"
 #include "HostIcs.h"
 
@@ -45,6 +47,8 @@ struct Options {
     char *view = nullptr;
     char *date = nullptr;
     char *screenshot = nullptr;
+    char *edit_event = nullptr;
+    gboolean new_event = FALSE;
     gboolean demo = FALSE;
     gboolean open = FALSE;
     gboolean applet = FALSE;
@@ -58,6 +62,7 @@ struct Options {
         g_free (view);
         g_free (date);
         g_free (screenshot);
+        g_free (edit_event);
     }
 };
 
@@ -146,6 +151,8 @@ int main (int argc, char **argv)
         {"settings", 0, 0, G_OPTION_ARG_NONE, &opt.settings, "Show only the settings dialog; exit when it closes", nullptr},
         {"screenshot", 0, 0, G_OPTION_ARG_FILENAME, &opt.screenshot, "Render each view at 800x480 to DIR/<view>.png and exit", "DIR"},
         {"applet", 0, 0, G_OPTION_ARG_NONE, &opt.applet, "Show the home-screen applet instead of the calendar", nullptr},
+        {"new-event", 0, 0, G_OPTION_ARG_NONE, &opt.new_event, "Open the event editor for a new event (on --date), then exit", nullptr},
+        {"edit-event", 0, 0, G_OPTION_ARG_STRING, &opt.edit_event, "Open the event editor for the stored event UID, then exit", "UID"},
         {nullptr, 0, 0, G_OPTION_ARG_NONE, nullptr, nullptr, nullptr},
     };
     GOptionContext *context = g_option_context_new ("- the calendar");
@@ -165,6 +172,16 @@ int main (int argc, char **argv)
     }
     if (opt.db && opt.demo) {
         fprintf (stderr, "tav-calendar: --db and --demo exclude each other\n");
+        return 2;
+    }
+
+    if (opt.new_event && opt.edit_event) {
+        fprintf (stderr, "tav-calendar: --new-event and --edit-event exclude each other\n");
+        return 2;
+    }
+    const bool editor = opt.new_event || opt.edit_event;
+    if (editor && (opt.screenshot || opt.imports || opt.export_path || opt.view)) {
+        fprintf (stderr, "tav-calendar: the event editor opens on its own, without --screenshot, --import, --export or --view\n");
         return 2;
     }
 
@@ -319,6 +336,7 @@ int main (int argc, char **argv)
             app.focus = focus;
             int shot = render_views (app, opt.screenshot);
             shot = shot ? shot : render_applet (app, opt.screenshot);
+            shot = shot ? shot : render_editors (*app.calendars, focus, opt.screenshot);
             status = status ? status : shot;
         } else if (opt.applet) {
             run_applet (app);
@@ -327,6 +345,21 @@ int main (int argc, char **argv)
             GtkWidget *dialog = app.open_settings ();
             g_signal_connect (dialog, "destroy", G_CALLBACK (gtk_main_quit), nullptr);
             gtk_main ();
+        } else if (editor) {
+            TavCalendarEntry *entry = nullptr;
+            if (opt.edit_event) {
+                entry = find_event (*app.calendars, opt.edit_event);
+                if (!entry) {
+                    fprintf (stderr, "tav-calendar: --edit-event %s: no stored event has that UID\n", opt.edit_event);
+                    status = 2;
+                }
+            }
+            if (status == 0) {
+                status = run_event_editor (*app.calendars, opt.date ? &focus : nullptr, entry);
+            }
+            if (entry) {
+                g_object_unref (entry);
+            }
         } else {
             app.build (false);
             gtk_widget_show_all (app.window);
