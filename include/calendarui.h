@@ -18,5 +18,7 @@
 #include "calendarui/TavCalendarView.h"
 #include "calendarui/TavCalendar.h"
 #include "calendarui/TavWeekView.h"
+#include "calendarui/TavTaskView.h"
+#include "calendarui/TavNoteView.h"
 
 #endif /* CALENDARUI_H */
