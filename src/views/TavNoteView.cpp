@@ -300,8 +300,16 @@ GtkWidget *tav_note_view_new (void)
 void tav_note_view_read_database (TavNoteView *noteview)
 {
     g_return_if_fail (TAV_IS_NOTE_VIEW(noteview));
+    /* As in the task list: the tree takes a list read in one go whole. */
+    GtkTreeView *tree = GTK_TREE_VIEW (noteview);
+    GtkTreeModel *model = GTK_TREE_MODEL (noteview->priv->store.get ());
+    const bool attached = gtk_tree_view_get_model (tree) == model;
+    if (attached)
+        gtk_tree_view_set_model (tree, nullptr);
     gboolean handled = FALSE;
     g_signal_emit (noteview, signals[DATABASE_ACCESS_READ], 0, &handled);
+    if (attached && !noteview->priv->dispose_has_run)
+        gtk_tree_view_set_model (tree, model);
 }
 
 void tav_note_view_append_note (TavNoteView *noteview, TavCalendarNote *note)

@@ -46,8 +46,11 @@ struct _TavTaskViewPrivate {
     GtkTreeViewColumn *status_column = nullptr;
     tav::GRefPtr<GdkPixbuf> open_icon, done_icon, add_icon, alarm_icon;
     std::unordered_map<TavCalendarTask *, Row> rows;
+    /* Rows by their position in the store's sequence (see row_record). */
+    std::unordered_map<gpointer, const Row *> by_position;
     guint empty_check_id = 0;
     bool show_no_entries = false;
+    bool resize_queued = false;
     GtkWidget *menu = nullptr;
     tav::GRefPtr<TavCalendarTask> task_for_csm;
     /* The row a press started on (NULL: below the rows), so that only a
@@ -70,27 +73,43 @@ static TavCalendarTask *task_at (TavTaskView *taskview, GtkTreeIter *iter)
     return task;
 }
 
+/* The record behind a store row, NULL for a row without a task. The
+ * comparisons run often (a few dozen per appended task), so each row's
+ * record is looked up once by its task and then found by the row's
+ * GSequence position, which a GtkListStore keeps in the iterator's
+ * user_data for the row's whole life. */
+static const Row *row_record (GtkTreeModel *model, GtkTreeIter *iter, TavTaskViewPrivate *priv, Row *scratch)
+{
+    auto known = priv->by_position.find (iter->user_data);
+    if (known != priv->by_position.end ())
+        return known->second;
+    TavCalendarTask *task = nullptr;
+    gtk_tree_model_get (model, iter, TAV_TASK_VIEW_COLUMN_TASK, &task, -1);
+    if (!task) {
+        priv->by_position.emplace (iter->user_data, nullptr);
+        return nullptr;
+    }
+    const Row *row = nullptr;
+    auto it = priv->rows.find (task);
+    if (it != priv->rows.end ()) {
+        row = &it->second;
+        priv->by_position.emplace (iter->user_data, row);
+    } else {
+        /* A row someone else put in the store: sorted, never cached. */
+        scratch->key = task_sort_key (task_fields_read (task));
+        row = scratch;
+    }
+    g_object_unref (task);
+    return row;
+}
+
 static gint task_view_sort_func (GtkTreeModel *model, GtkTreeIter *a, GtkTreeIter *b, gpointer data)
 {
     TavTaskViewPrivate *priv = static_cast<TavTaskViewPrivate *> (data);
-    const TaskSortKey *keys[2] = { nullptr, nullptr };
-    GtkTreeIter *iters[2] = { a, b };
-    TaskSortKey computed[2];
-    for (int i = 0; i < 2; ++i) {
-        TavCalendarTask *task = nullptr;
-        gtk_tree_model_get (model, iters[i], TAV_TASK_VIEW_COLUMN_TASK, &task, -1);
-        if (!task)
-            continue;
-        auto it = priv->rows.find (task);
-        if (it != priv->rows.end ()) {
-            keys[i] = &it->second.key;
-        } else {
-            computed[i] = task_sort_key (task_fields_read (task));
-            keys[i] = &computed[i];
-        }
-        g_object_unref (task);
-    }
-    return task_sort_key_compare (keys[0], keys[1]);
+    Row scratch[2];
+    const Row *ra = row_record (model, a, priv, &scratch[0]);
+    const Row *rb = row_record (model, b, priv, &scratch[1]);
+    return task_sort_key_compare (ra ? &ra->key : nullptr, rb ? &rb->key : nullptr);
 }
 
 /* Writes the row of @task from its properties (the sort key first: the
@@ -313,6 +332,12 @@ static void on_tap_and_hold_cb (GtkWidget *widget, gpointer)
 
 /* Widget -------------------------------------------------------------------------------- */
 
+static void tav_task_view_size_request (GtkWidget *widget, GtkRequisition *requisition)
+{
+    TAV_TASK_VIEW (widget)->priv->resize_queued = false;
+    GTK_WIDGET_CLASS (tav_task_view_parent_class)->size_request (widget, requisition);
+}
+
 static gboolean tav_task_view_expose (GtkWidget *widget, GdkEventExpose *event)
 {
     TavTaskView *taskview = TAV_TASK_VIEW (widget);
@@ -338,6 +363,7 @@ static void tav_task_view_dispose (GObject *object)
         }
         priv->task_for_csm = nullptr;
         g_clear_pointer (&priv->press_path, gtk_tree_path_free);
+        priv->by_position.clear ();
         priv->rows.clear ();
         if (priv->store)
             gtk_list_store_clear (priv->store.get ());
@@ -358,6 +384,7 @@ static void tav_task_view_class_init (TavTaskViewClass *klass)
     object_class->dispose = tav_task_view_dispose;
     object_class->finalize = tav_task_view_finalize;
     widget_class->expose_event = tav_task_view_expose;
+    widget_class->size_request = tav_task_view_size_request;
     widget_class->button_press_event = tav_task_view_button_press;
     widget_class->button_release_event = tav_task_view_button_release;
 
@@ -426,8 +453,17 @@ GtkWidget *tav_task_view_new (void)
 void tav_task_view_read_database (TavTaskView *taskview)
 {
     g_return_if_fail (TAV_IS_TASK_VIEW(taskview));
+    /* An owner that appends while answering fills the store without the
+     * tree watching each row arrive; the tree takes the list whole. */
+    GtkTreeView *tree = GTK_TREE_VIEW (taskview);
+    GtkTreeModel *model = GTK_TREE_MODEL (taskview->priv->store.get ());
+    const bool attached = gtk_tree_view_get_model (tree) == model;
+    if (attached)
+        gtk_tree_view_set_model (tree, nullptr);
     gboolean handled = FALSE;
     g_signal_emit (taskview, signals[DATABASE_ACCESS_READ], 0, &handled);
+    if (attached && !taskview->priv->dispose_has_run)
+        gtk_tree_view_set_model (tree, model);
 }
 
 void tav_task_view_append_task (TavTaskView *taskview, TavCalendarTask *task)
@@ -439,7 +475,12 @@ void tav_task_view_append_task (TavTaskView *taskview, TavCalendarTask *task)
     TavTaskViewPrivate *priv = taskview->priv;
     auto [it, inserted] = priv->rows.try_emplace (task);
     refresh_task_in_store (taskview, task, it->second, inserted);
-    gtk_widget_queue_resize (GTK_WIDGET (taskview));
+    /* One queued resize serves every row appended before the next size
+     * request. */
+    if (!priv->resize_queued) {
+        priv->resize_queued = true;
+        gtk_widget_queue_resize (GTK_WIDGET (taskview));
+    }
 }
 
 void tav_task_view_append_tasks (TavTaskView *taskview, GList *list)
@@ -473,6 +514,7 @@ void tav_task_view_delete_task (TavTaskView *taskview, TavCalendarTask *task)
         return;
     }
     GtkTreeIter iter = it->second.iter;
+    priv->by_position.erase (iter.user_data);
     priv->rows.erase (it);
     gtk_list_store_remove (priv->store.get (), &iter);
     schedule_empty_check (&priv->empty_check_id, task_view_empty_check_cb, taskview);
@@ -482,6 +524,7 @@ void tav_task_view_delete_all_tasks (TavTaskView *taskview)
 {
     g_return_if_fail (TAV_IS_TASK_VIEW(taskview));
     TavTaskViewPrivate *priv = taskview->priv;
+    priv->by_position.clear ();
     priv->rows.clear ();
     gtk_list_store_clear (priv->store.get ());
     task_view_add_insert_row (taskview);
