@@ -265,6 +265,11 @@ int render_views (App &app, const std::string &dir)
     for (size_t i = 0; i < app.views.size (); ++i) {
         app.show_view (i);
         flush ();
+        if (kViews[i].go_to == list_go_to) {
+            /* An empty list says so once its half-second check has run. */
+            g_usleep (550000);
+            flush ();
+        }
         gtk_widget_queue_draw (app.window);
         flush ();
         GdkPixbuf *shot = gtk_offscreen_window_get_pixbuf (GTK_OFFSCREEN_WINDOW (app.window));
