@@ -282,19 +282,15 @@ bool row_at (GtkTreeView *tree, GdkEventButton *event, GtkTreePath **path, GtkTr
     if (gtk_tree_view_get_path_at_pos (tree, x, y, path, column, nullptr, nullptr))
         return true;
     /* Below the last row: the column is found from x alone. */
+    GList *columns = gtk_tree_view_get_columns (tree);
     int left = 0;
-    for (GList *l = gtk_tree_view_get_columns (tree), *c = l; c; c = c->next) {
-        auto *col = GTK_TREE_VIEW_COLUMN (c->data);
-        const int w = gtk_tree_view_column_get_width (col);
-        if (x >= left && x < left + w) {
-            *column = col;
-            g_list_free (l);
-            return false;
-        }
+    for (GList *c = columns; c && !*column; c = c->next) {
+        const int w = gtk_tree_view_column_get_width (GTK_TREE_VIEW_COLUMN (c->data));
+        if (x >= left && x < left + w)
+            *column = GTK_TREE_VIEW_COLUMN (c->data);
         left += w;
-        if (!c->next)
-            g_list_free (l);
     }
+    g_list_free (columns);
     return false;
 }
 

@@ -104,7 +104,10 @@ TEST (HostLists, TickedTaskIsStoredAndNotesAreRead)
     ASSERT_TRUE (connect_list_view (notes, *f.set));
     tav_note_view_read_database (TAV_NOTE_VIEW (notes));
     EXPECT_EQ (rows (notes), 2);
-    EXPECT_FALSE (connect_list_view (GTK_WIDGET (g_object_ref_sink (gtk_label_new ("x"))), *f.set));
+    GtkWidget *label = g_object_ref_sink (gtk_label_new ("x"));
+    EXPECT_FALSE (connect_list_view (label, *f.set));
+    gtk_widget_destroy (label);
+    g_object_unref (label);
     gtk_widget_destroy (notes);
     g_object_unref (notes);
 }

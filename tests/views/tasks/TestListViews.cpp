@@ -80,20 +80,44 @@ struct Shown {
 void answer_next_note (gint response)
 {
     g_timeout_add (50, [] (gpointer data) -> gboolean {
-        for (GList *l = gtk_window_list_toplevels (), *t = l; t; t = t->next) {
-            if (KIVO_IS_NOTE (t->data) && gtk_widget_get_mapped (GTK_WIDGET (t->data))) {
-                auto *note = KIVO_NOTE (t->data);
-                GtkWidget *button = GPOINTER_TO_INT (data) == GTK_RESPONSE_OK ? kivo_note_get_ok_button (note)
-                                                                              : kivo_note_get_cancel_button (note);
-                g_list_free (l);
-                PointerDriver::tap (button, button->allocation.width / 2, button->allocation.height / 2);
-                return FALSE;
-            }
-            if (!t->next)
-                g_list_free (l);
-        }
-        return TRUE;
+        GList *windows = gtk_window_list_toplevels ();
+        GtkWidget *button = nullptr;
+        for (GList *t = windows; t && !button; t = t->next)
+            if (KIVO_IS_NOTE (t->data) && gtk_widget_get_mapped (GTK_WIDGET (t->data)))
+                button = GPOINTER_TO_INT (data) == GTK_RESPONSE_OK ? kivo_note_get_ok_button (KIVO_NOTE (t->data))
+                                                                   : kivo_note_get_cancel_button (KIVO_NOTE (t->data));
+        g_list_free (windows);
+        if (!button)
+            return TRUE;
+        PointerDriver::tap (button, button->allocation.width / 2, button->allocation.height / 2);
+        return FALSE;
     }, GINT_TO_POINTER (response));
+}
+
+/* The context menu's one item. */
+GtkWidget *only_item (GtkWidget *menu)
+{
+    GList *children = gtk_container_get_children (GTK_CONTAINER (menu));
+    GtkWidget *item = GTK_WIDGET (children->data);
+    g_list_free (children);
+    return item;
+}
+
+/* How many pixels of the list below its first row pass @test (RGB). */
+template <typename Test>
+int pixels_below_first_row (GtkTreeView *tree, Test test)
+{
+    flush_events ();
+    GdkWindow *bin = gtk_tree_view_get_bin_window (tree);
+    int w = 0, h = 0, count = 0;
+    gdk_drawable_get_size (bin, &w, &h);
+    GdkPixbuf *shot = gdk_pixbuf_get_from_drawable (nullptr, bin, nullptr, 0, 0, 0, 0, w, h);
+    const guchar *px = gdk_pixbuf_get_pixels (shot);
+    for (int y = tav::lists::kRowHeight; y < h; ++y)
+        for (int x = 0; x < w; ++x)
+            count += test (px + y * gdk_pixbuf_get_rowstride (shot) + x * gdk_pixbuf_get_n_channels (shot));
+    g_object_unref (shot);
+    return count;
 }
 
 } // namespace
@@ -223,20 +247,9 @@ TEST (TaskView, ReadAsksTheOwnerAndAnEmptyListSaysSoHalfASecondLater)
     EXPECT_TRUE (log.has_warning ("logical color 'SecondaryTextColor' not found in theme. Use hard-coded LighGray"));
 
     /* The picture shows the light grey text below the "New task" row. */
-    flush_events ();
-    GdkWindow *bin = gtk_tree_view_get_bin_window (shown.tree ());
-    int w = 0, h = 0;
-    gdk_drawable_get_size (bin, &w, &h);
-    GdkPixbuf *shot = gdk_pixbuf_get_from_drawable (nullptr, bin, nullptr, 0, 0, 0, 0, w, h);
-    int grey = 0;
-    const guchar *px = gdk_pixbuf_get_pixels (shot);
-    for (int y = tav::lists::kRowHeight; y < h; ++y)
-        for (int x = 0; x < w; ++x) {
-            const guchar *p = px + y * gdk_pixbuf_get_rowstride (shot) + x * gdk_pixbuf_get_n_channels (shot);
-            grey += p[0] > 0xc0 && p[0] == p[1] && p[1] == p[2];
-        }
-    g_object_unref (shot);
-    EXPECT_GT (grey, 200);
+    EXPECT_GT (pixels_below_first_row (shown.tree (), [] (const guchar *p) {
+        return p[0] > 0xc0 && p[0] == p[1] && p[1] == p[2];
+    }), 200);
 
     /* A list with a task has nothing to say. */
     auto task = tav::adoptGRef (new_task ("Call Bob", { 2009, 2, 9 }));
@@ -245,6 +258,23 @@ TEST (TaskView, ReadAsksTheOwnerAndAnEmptyListSaysSoHalfASecondLater)
     tav_task_view_reading_finished (shown.view);
     run_main_loop_until ([&] { return _tav_task_view_get_empty_check_id (shown.view) == 0; }, 2000);
     EXPECT_FALSE (_tav_task_view_shows_no_entries (shown.view));
+}
+
+TEST (NoteView, EmptyListUsesTheThemesSecondaryTextColour)
+{
+    REQUIRE_DISPLAY ();
+    LogCapture log;
+    gtk_rc_parse_string ("style \"tav-test-secondary\" { color[\"SecondaryTextColor\"] = \"#FF8000\" }\n"
+                         "widget \"*.tav-test-list\" style \"tav-test-secondary\"\n");
+    GtkWidget *view = tav_note_view_new ();
+    gtk_widget_set_name (view, "tav-test-list");
+    Shown<TavNoteView> shown (view);
+    tav_note_view_check_and_paint_no_entries_label (shown.view);
+    EXPECT_TRUE (_tav_note_view_shows_no_entries (shown.view));
+    EXPECT_EQ (log.count_lines_from (LoggedLine::LibWarning, "paint_no_entries"), 0) << log.dump ();
+    EXPECT_GT (pixels_below_first_row (shown.tree (), [] (const guchar *p) {
+        return p[0] > 0xe0 && p[1] > 0x60 && p[1] < 0xa0 && p[2] < 0x30;
+    }), 200);
 }
 
 TEST (TaskView, TappingTheTickSavesThroughTheSource)
@@ -307,7 +337,7 @@ TEST (TaskView, HeldRowOffersDeleteWhichAsksFirst)
     int deleted = 0;
     count_signal (shown.view, "task-deleted", &deleted);
     GtkWidget *menu = _tav_task_view_get_context_menu (shown.view);
-    GtkWidget *item = GTK_WIDGET (gtk_container_get_children (GTK_CONTAINER (menu))->data);
+    GtkWidget *item = only_item (menu);
     EXPECT_STREQ (gtk_label_get_text (GTK_LABEL (gtk_bin_get_child (GTK_BIN (item)))), "Delete");
 
     struct Step {
@@ -395,7 +425,7 @@ TEST (NoteView, RowsTapsAndDeletion)
         ASSERT_TRUE (run_main_loop_until ([&] { return gtk_widget_get_mapped (menu); }, 3000));
         PointerDriver::release ();
         answer_next_note (GTK_RESPONSE_OK);
-        GtkWidget *item = GTK_WIDGET (gtk_container_get_children (GTK_CONTAINER (menu))->data);
+        GtkWidget *item = only_item (menu);
         gtk_menu_shell_activate_item (GTK_MENU_SHELL (menu), item, TRUE);
     }
     EXPECT_EQ (gtk_tree_model_iter_n_children (model, nullptr), 1);
