@@ -53,10 +53,7 @@ struct _TavTaskViewPrivate {
     bool resize_queued = false;
     GtkWidget *menu = nullptr;
     tav::GRefPtr<TavCalendarTask> task_for_csm;
-    /* The row a press started on (NULL: below the rows), so that only a
-     * tap on one row counts. */
-    bool pressed = false;
-    GtkTreePath *press_path = nullptr;
+    TapTracker tap;
 };
 
 G_DEFINE_TYPE_WITH_PRIVATE (TavTaskView, tav_task_view, GTK_TYPE_TREE_VIEW)
@@ -223,16 +220,7 @@ static void on_task_status_column_clicked (TavTaskView *taskview, GdkEventButton
 
 static gboolean tav_task_view_button_press (GtkWidget *widget, GdkEventButton *event)
 {
-    TavTaskView *taskview = TAV_TASK_VIEW (widget);
-    TavTaskViewPrivate *priv = taskview->priv;
-    /* A quick second tap also brings a double-click event: it is no new press. */
-    if (event->type == GDK_BUTTON_PRESS) {
-        g_clear_pointer (&priv->press_path, gtk_tree_path_free);
-        priv->pressed = event->button == 1;
-        GtkTreeViewColumn *column = nullptr;
-        if (priv->pressed)
-            row_at (GTK_TREE_VIEW (taskview), event, &priv->press_path, &column);
-    }
+    TAV_TASK_VIEW (widget)->priv->tap.press (GTK_TREE_VIEW (widget), event);
     return GTK_WIDGET_CLASS (tav_task_view_parent_class)->button_press_event (widget, event);
 }
 
@@ -241,26 +229,14 @@ static gboolean tav_task_view_button_release (GtkWidget *widget, GdkEventButton 
     TavTaskView *taskview = TAV_TASK_VIEW (widget);
     TavTaskViewPrivate *priv = taskview->priv;
     const gboolean handled = GTK_WIDGET_CLASS (tav_task_view_parent_class)->button_release_event (widget, event);
-    GtkTreePath *pressed = priv->press_path;
-    const bool was_pressed = priv->pressed;
-    priv->press_path = nullptr;
-    priv->pressed = false;
-    if (!was_pressed || event->button != 1)
-        return handled;
     GtkTreePath *path = nullptr;
     GtkTreeViewColumn *column = nullptr;
-    const bool on_row = row_at (GTK_TREE_VIEW (taskview), event, &path, &column);
-    /* A tap starts and ends on one row, or both below the rows. */
-    const bool same = on_row ? pressed && gtk_tree_path_compare (path, pressed) == 0 : !pressed;
-    if (pressed)
-        gtk_tree_path_free (pressed);
-    if (!same || !column) {
-        gtk_tree_path_free (path);
+    if (!priv->tap.release (GTK_TREE_VIEW (widget), event, &path, &column))
         return handled;
-    }
     /* What the row is must be known before a tick moves it. */
     GtkTreeIter iter;
-    const bool is_row = on_row && gtk_tree_model_get_iter (GTK_TREE_MODEL (priv->store.get ()), &iter, path);
+    const bool is_row = path && gtk_tree_model_get_iter (GTK_TREE_MODEL (priv->store.get ()), &iter, path);
+    gtk_tree_path_free (path);
     TavCalendarTask *task = is_row ? task_at (taskview, &iter) : nullptr;
     if (column == priv->status_column)
         on_task_status_column_clicked (taskview, event);
@@ -268,7 +244,6 @@ static gboolean tav_task_view_button_release (GtkWidget *widget, GdkEventButton 
         g_signal_emit (taskview, signals[INSERT_ACTIVATED], 0, static_cast<guint> (event->time));
     else if (task && column != priv->status_column)
         g_signal_emit (taskview, signals[TASK_ACTIVATED], 0, task);
-    gtk_tree_path_free (path);
     return TRUE;
 }
 
@@ -302,17 +277,9 @@ static void task_view_csm_delete_clicked (GtkWidget *, TavTaskView *taskview)
 
 static gboolean on_tap_and_hold_query_cb (GtkWidget *widget, GdkEvent *event, gpointer)
 {
-    TavTaskView *taskview = TAV_TASK_VIEW (widget);
-    TavTaskViewPrivate *priv = taskview->priv;
-    priv->task_for_csm = nullptr;
-    GtkTreePath *path = nullptr;
-    GtkTreeViewColumn *column = nullptr;
-    GtkTreeIter iter;
-    if (event && event->type == GDK_BUTTON_PRESS
-        && row_at (GTK_TREE_VIEW (taskview), &event->button, &path, &column)
-        && gtk_tree_model_get_iter (GTK_TREE_MODEL (priv->store.get ()), &iter, path))
-        priv->task_for_csm = tav::GRefPtr<TavCalendarTask> (task_at (taskview, &iter));
-    gtk_tree_path_free (path);
+    TavTaskViewPrivate *priv = TAV_TASK_VIEW (widget)->priv;
+    priv->task_for_csm = tav::adoptGRef (reinterpret_cast<TavCalendarTask *> (
+        entry_under_press (GTK_TREE_VIEW (widget), event)));
     /* TRUE refuses the hold: only a task has a menu. */
     return priv->task_for_csm ? FALSE : TRUE;
 }
@@ -320,14 +287,11 @@ static gboolean on_tap_and_hold_query_cb (GtkWidget *widget, GdkEvent *event, gp
 static void on_tap_and_hold_cb (GtkWidget *widget, gpointer)
 {
     TavTaskView *taskview = TAV_TASK_VIEW (widget);
-    TavTaskViewPrivate *priv = taskview->priv;
-    if (!priv->task_for_csm)
+    if (!taskview->priv->task_for_csm)
         return;
     /* The hold is not a tap. */
-    g_clear_pointer (&priv->press_path, gtk_tree_path_free);
-    priv->pressed = false;
-    gtk_menu_popup (GTK_MENU (_tav_task_view_get_context_menu (taskview)), nullptr, nullptr, nullptr, nullptr, 1,
-                    gtk_get_current_event_time ());
+    taskview->priv->tap.reset ();
+    popup_menu (_tav_task_view_get_context_menu (taskview));
 }
 
 /* Widget -------------------------------------------------------------------------------- */
@@ -342,10 +306,8 @@ static gboolean tav_task_view_expose (GtkWidget *widget, GdkEventExpose *event)
 {
     TavTaskView *taskview = TAV_TASK_VIEW (widget);
     const gboolean handled = GTK_WIDGET_CLASS (tav_task_view_parent_class)->expose_event (widget, event);
-    paint_row_rules (GTK_TREE_VIEW (widget), event);
-    if (taskview->priv->show_no_entries && taskview->priv->rows.empty ()
-        && event->window == gtk_tree_view_get_bin_window (GTK_TREE_VIEW (widget)))
-        paint_no_entries (GTK_TREE_VIEW (widget), TAV_CAL ("cal_fi_no_tasks"));
+    paint_overlay (GTK_TREE_VIEW (widget), event, _tav_task_view_shows_no_entries (taskview),
+                   TAV_CAL ("cal_fi_no_tasks"));
     return handled;
 }
 
@@ -356,13 +318,9 @@ static void tav_task_view_dispose (GObject *object)
     if (!priv->dispose_has_run) {
         priv->dispose_has_run = true;
         cancel_empty_check (&priv->empty_check_id);
-        if (priv->menu) {
-            gtk_widget_destroy (priv->menu);
-            g_object_unref (priv->menu);
-            priv->menu = nullptr;
-        }
+        destroy_menu (&priv->menu);
         priv->task_for_csm = nullptr;
-        g_clear_pointer (&priv->press_path, gtk_tree_path_free);
+        priv->tap.reset ();
         priv->by_position.clear ();
         priv->rows.clear ();
         if (priv->store)
@@ -453,17 +411,8 @@ GtkWidget *tav_task_view_new (void)
 void tav_task_view_read_database (TavTaskView *taskview)
 {
     g_return_if_fail (TAV_IS_TASK_VIEW(taskview));
-    /* An owner that appends while answering fills the store without the
-     * tree watching each row arrive; the tree takes the list whole. */
-    GtkTreeView *tree = GTK_TREE_VIEW (taskview);
-    GtkTreeModel *model = GTK_TREE_MODEL (taskview->priv->store.get ());
-    const bool attached = gtk_tree_view_get_model (tree) == model;
-    if (attached)
-        gtk_tree_view_set_model (tree, nullptr);
-    gboolean handled = FALSE;
-    g_signal_emit (taskview, signals[DATABASE_ACCESS_READ], 0, &handled);
-    if (attached && !taskview->priv->dispose_has_run)
-        gtk_tree_view_set_model (tree, model);
+    emit_read_detached (GTK_TREE_VIEW (taskview), GTK_TREE_MODEL (taskview->priv->store.get ()),
+                        signals[DATABASE_ACCESS_READ], &taskview->priv->dispose_has_run);
 }
 
 void tav_task_view_append_task (TavTaskView *taskview, TavCalendarTask *task)

@@ -2,6 +2,7 @@
  * its order, the argument checks, the empty-list check, and real taps on
  * the tick, the rows and the held-row menu against a memory source. */
 #include "TestSupport.h"
+#include "ListTestSupport.h"
 #include "../../platform/PointerDriver.h"
 #include "TavMemorySource.h"
 #include "TavListViewInternal.h"
@@ -15,14 +16,6 @@
 using namespace tav::test;
 
 namespace {
-
-TavCalendarTask *new_task (const char *title, TavDate due, bool done = false, int alarm = 0)
-{
-    auto *task = TAV_CALENDAR_TASK (g_object_new (TAV_TYPE_CALENDAR_TASK, nullptr));
-    g_object_set (task, "title", title, "start-year", due.year, "start-month", due.month, "start-day", due.day, "done",
-                  done, "alarm-code", alarm, nullptr);
-    return task;
-}
 
 /* The titles of the store's rows, the insert row as "+", done ones as "~". */
 std::string rows_of (GtkTreeView *view)
