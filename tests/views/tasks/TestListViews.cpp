@@ -9,6 +9,7 @@
 #include "TavListViewCommon.h"
 #include "TavGPtr.h"
 #include "KivoNote.h"
+#include "KivoPannableArea.h"
 
 #include <string>
 #include <vector>
@@ -316,6 +317,42 @@ TEST (TaskView, TappingTheTickSavesThroughTheSource)
     shown.tap (2, 0);
     EXPECT_EQ (rows_of (shown.tree ()), "+ Call Bob Zz later");
     EXPECT_EQ (modified, 3);
+}
+
+TEST (TaskView, PansInAPannableAreaAndTicksTheRowUnderTheFinger)
+{
+    REQUIRE_XTEST ();
+    GtkWidget *area = kivo_pannable_area_new ();
+    GtkWidget *view = tav_task_view_new ();
+    gtk_container_add (GTK_CONTAINER (area), view);
+    MemorySourcePtr source (tav_memory_source_new ("Home", TavCalendarColorGreen, CalendarSourceTypeLocal));
+    std::vector<tav::GRefPtr<TavCalendarTask>> tasks;
+    for (int day = 1; day <= 20; ++day) {
+        tasks.push_back (tav::adoptGRef (new_task ("Daily chore", { 2009, 2, day })));
+        tav_memory_source_add (source.get (), TAV_CALENDAR_ENTRY (tasks.back ().get ()));
+        tav_task_view_append_task (TAV_TASK_VIEW (view), tasks.back ().get ());
+    }
+    GtkWidget *window = make_test_window (600, 400, area);
+    GtkAdjustment *adj = kivo_pannable_area_get_vadjustment (KIVO_PANNABLE_AREA (area));
+    run_main_loop_until ([&] { return gtk_adjustment_get_upper (adj) > 1000; }, 2000);
+    PointerDriver::drag (area, 300, 350, 300, 50, 10, 20, true);
+    run_main_loop_until ([&] { return !kivo_pannable_area_is_moving (KIVO_PANNABLE_AREA (area)); }, 5000);
+    ASSERT_GT (gtk_adjustment_get_value (adj), 200.0);
+    EXPECT_EQ (tav_memory_source_calls (source.get (), TAV_MEMORY_SLOT_SAVE_TASK), 0u) << "a pan is no tap";
+
+    /* The tick of the row now at the area's middle. */
+    GtkTreePath *path = nullptr;
+    int bx = 0, by = 0;
+    gtk_tree_view_convert_widget_to_bin_window_coords (GTK_TREE_VIEW (view), 40, 200, &bx, &by);
+    ASSERT_TRUE (gtk_tree_view_get_path_at_pos (GTK_TREE_VIEW (view), bx, by, &path, nullptr, nullptr, nullptr));
+    const int row = gtk_tree_path_get_indices (path)[0];
+    gtk_tree_path_free (path);
+    PointerDriver::tap (area, 40, 200);
+    gboolean done = FALSE;
+    g_object_get (tasks[static_cast<size_t> (row - 1)].get (), "done", &done, nullptr);
+    EXPECT_TRUE (done) << "row " << row;
+    EXPECT_EQ (tav_memory_source_calls (source.get (), TAV_MEMORY_SLOT_SAVE_TASK), 1u);
+    gtk_widget_destroy (window);
 }
 
 TEST (TaskView, HeldRowOffersDeleteWhichAsksFirst)
