@@ -157,6 +157,31 @@ TEST (TaskView, ArgumentChecks)
     g_object_unref (view);
 }
 
+TEST (TaskView, MissingIconsAreReportedAndTheRowsStillShow)
+{
+    REQUIRE_DISPLAY ();
+    LogCapture log;
+    const std::string icons = g_getenv ("TAV_CALENDAR_ICON_DIR") ? g_getenv ("TAV_CALENDAR_ICON_DIR") : "";
+    g_setenv ("TAV_CALENDAR_ICON_DIR", "/nonexistent/icons/", TRUE);
+    GtkWidget *tasks = g_object_ref_sink (tav_task_view_new ());
+    GtkWidget *notes = g_object_ref_sink (tav_note_view_new ());
+    g_setenv ("TAV_CALENDAR_ICON_DIR", icons.c_str (), TRUE);
+    EXPECT_EQ (log.count_lines (LoggedLine::LibWarning, "pixbuf is not being created"), 2) << log.dump ();
+    int alarm_errors = 0;
+    for (const LoggedLine &line : log.lines ())
+        alarm_errors += line.kind == LoggedLine::LibWarning
+                        && g_str_has_prefix (line.message.c_str (), "Error in creating alarm icon pixbuf: ")
+                        && line.message.find ("calendar_alarm.png") != std::string::npos;
+    EXPECT_EQ (alarm_errors, 1) << log.dump ();
+    auto task = tav::adoptGRef (new_task ("Ring Bob", { 2009, 2, 9 }, false, 2));
+    tav_task_view_append_task (TAV_TASK_VIEW (tasks), task.get ());
+    EXPECT_EQ (rows_of (GTK_TREE_VIEW (tasks)), "+ Ring Bob");
+    for (GtkWidget *w : { tasks, notes }) {
+        gtk_widget_destroy (w);
+        g_object_unref (w);
+    }
+}
+
 TEST (TaskView, KeepsRowsSortedAndFindsThem)
 {
     REQUIRE_DISPLAY ();
