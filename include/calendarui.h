@@ -28,5 +28,7 @@
 #include "calendarui/TavCalendarSettingsDialog.h"
 #include "calendarui/TavAlarmToneButton.h"
 #include "calendarui/TavColorButton.h"
+#include "calendarui/TavTaskView.h"
+#include "calendarui/TavNoteView.h"
 
 #endif /* CALENDARUI_H */

@@ -1,5 +1,7 @@
 #include "HostWindow.h"
 
+#include "HostLists.h"
+
 #include <calendarui.h>
 #include <gdk/gdkkeysyms.h>
 
@@ -84,6 +86,8 @@ const std::vector<ViewKind> kViews = {
     {"week", "Week", tav_week_view_new, true, week_go_to, week_step},
     {"agenda", "Agenda", tav_agenda_view_new, true, agenda_go_to, agenda_step},
     {"day", "Day", tav_day_view_new, true, day_go_to, day_step},
+    {"tasks", "Tasks", tav_task_view_new, true, list_go_to, list_step},
+    {"notes", "Notes", tav_note_view_new, true, list_go_to, list_step},
 };
 
 
@@ -214,7 +218,9 @@ void App::build (bool offscreen)
     GSList *group = nullptr;
     for (const ViewKind &kind : kViews) {
         GtkWidget *view = kind.create ();
-        g_signal_connect (view, "database-access-read", G_CALLBACK (on_view_database_access_read_cb), this);
+        if (!connect_list_view (view, *calendars)) {
+            g_signal_connect (view, "database-access-read", G_CALLBACK (on_view_database_access_read_cb), this);
+        }
         if (TAV_IS_CALENDAR (view)) {
             /* A tapped day or week of the month opens that week. */
             g_signal_connect (view, "day-activated", G_CALLBACK (on_month_day_activated_cb), this);
@@ -388,6 +394,11 @@ int render_views (App &app, const std::string &dir)
     for (size_t i = 0; i < app.views.size (); ++i) {
         app.show_view (i);
         flush ();
+        if (kViews[i].go_to == list_go_to) {
+            /* An empty list says so once its half-second check has run. */
+            g_usleep (550000);
+            flush ();
+        }
         gtk_widget_queue_draw (app.window);
         flush ();
         GdkPixbuf *shot = gtk_offscreen_window_get_pixbuf (GTK_OFFSCREEN_WINDOW (app.window));
