@@ -18,6 +18,8 @@
 #include "calendarui/TavCalendarView.h"
 #include "calendarui/TavCalendar.h"
 #include "calendarui/TavWeekView.h"
+#include "calendarui/TavTaskView.h"
+#include "calendarui/TavNoteView.h"
 #include "calendarui/TavEventView.h"
 #include "calendarui/TavDateSelectionWindow.h"
 #include "calendarui/TavCalendarWindow.h"

@@ -1,5 +1,7 @@
 #include "HostWindow.h"
 
+#include "HostLists.h"
+
 #include <calendarui.h>
 
 #include <algorithm>
@@ -43,6 +45,8 @@ void week_step (GtkWidget *view, int direction)
 const std::vector<ViewKind> kViews = {
     {"month", "Month", tav_calendar_new, false, month_go_to, month_step},
     {"week", "Week", tav_week_view_new, true, week_go_to, week_step},
+    {"tasks", "Tasks", tav_task_view_new, true, list_go_to, list_step},
+    {"notes", "Notes", tav_note_view_new, true, list_go_to, list_step},
 };
 
 
@@ -156,7 +160,9 @@ void App::build (bool offscreen)
     GSList *group = nullptr;
     for (const ViewKind &kind : kViews) {
         GtkWidget *view = kind.create ();
-        g_signal_connect (view, "database-access-read", G_CALLBACK (on_view_database_access_read_cb), this);
+        if (!connect_list_view (view, *calendars)) {
+            g_signal_connect (view, "database-access-read", G_CALLBACK (on_view_database_access_read_cb), this);
+        }
         if (TAV_IS_CALENDAR (view)) {
             /* A tapped day or week of the month opens that week. */
             g_signal_connect (view, "day-activated", G_CALLBACK (on_month_day_activated_cb), this);
