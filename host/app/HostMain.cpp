@@ -85,6 +85,19 @@ std::string default_store_path ()
     return out;
 }
 
+/* The settings live beside the user's store; a store named with --db or
+ * the demo store keeps its own beside it. */
+std::string settings_path (bool beside_store, const std::string &store_path)
+{
+    if (beside_store) {
+        return store_path + ".settings";
+    }
+    gchar *path = g_build_filename (g_get_user_config_dir (), "tav-calendar", "settings.ini", nullptr);
+    std::string out = path;
+    g_free (path);
+    return out;
+}
+
 /* Progress of a long import: a line on the terminal, and a bar in a small
  * window when the calendar is about to be shown. */
 struct ImportFeedback {
@@ -122,7 +135,6 @@ struct ImportFeedback {
     }
 };
 
-/* The calendar window: a switch between the views above the current one. */
 }  // namespace
 
 int main (int argc, char **argv)
@@ -168,18 +180,16 @@ int main (int argc, char **argv)
             return 2;
         }
     }
-    size_t first_view = 0;
     if (opt.view) {
-        static const char *const known[] = {"month", "week", "agenda", "day", "tasks", "notes"};
-        const bool is_known = std::find_if (std::begin (known), std::end (known),
-                                            [&] (const char *k) { return strcmp (k, opt.view) == 0; }) != std::end (known);
-        const ViewKind *kind = find_view (opt.view);
-        if (!kind) {
-            fprintf (stderr, "tav-calendar: --view %s: %s; this build has: %s\n", opt.view,
-                     is_known ? "that view is not in this build yet" : "no such view", view_names ().c_str ());
+        if (!view_is_known (opt.view)) {
+            fprintf (stderr, "tav-calendar: --view %s: no such view; this build has: %s\n", opt.view, view_names ().c_str ());
             return 2;
         }
-        first_view = static_cast<size_t> (kind - view_kinds ().data ());
+        if (!view_in_build (opt.view)) {
+            fprintf (stderr, "tav-calendar: --view %s: that view is not in this build yet; this build has: %s\n", opt.view,
+                     view_names ().c_str ());
+            return 2;
+        }
     }
 
     /* The store. */
@@ -216,6 +226,8 @@ int main (int argc, char **argv)
     App app;
     app.calendars = std::make_unique<CalendarSet> (store);
     app.focus = focus;
+    app.settings_path = settings_path (opt.db != nullptr || opt.demo, path);
+    app.settings.load (app.settings_path);
 
     const bool want_ui = opt.screenshot || opt.open || (!opt.imports && !opt.export_path);
     const bool have_display = want_ui && gtk_init_check (&argc, &argv);
@@ -289,21 +301,25 @@ int main (int argc, char **argv)
             fprintf (stderr, "tav-calendar: no display to show the calendar on (try xvfb-run with --screenshot DIR)\n");
             status = 3;
         } else if (opt.screenshot) {
-            app.focus = focus;
+            app.build ();
             const int shot = render_views (app, opt.screenshot);
             status = status ? status : shot;
         } else {
-            app.build (false);
-            gtk_widget_show_all (app.window);
-            app.show_view (first_view);
+            app.build ();
+            gtk_widget_show (GTK_WIDGET (app.window));
+            app.show (opt.view ? opt.view : app.settings.default_view);
             gtk_main ();
         }
     }
 
+    if (app.window) {
+        gtk_widget_destroy (GTK_WIDGET (app.window));
+        app.window = nullptr;
+    }
     app.calendars.reset ();
     store.reset ();
     if (demo_dir) {
-        for (const char *suffix : {"/demo.db", "/demo.db-wal", "/demo.db-shm"}) {
+        for (const char *suffix : {"/demo.db", "/demo.db-wal", "/demo.db-shm", "/demo.db.settings"}) {
             g_unlink ((std::string (demo_dir) + suffix).c_str ());
         }
         g_rmdir (demo_dir);

@@ -118,7 +118,7 @@ static std::string date_text (const TavDate &date)
     GDate *g = g_date_new_dmy (date.day, static_cast<GDateMonth> (date.month + 1), date.year);
     const int weekday = g_date_get_weekday (g) % 7; /* Sunday 0 */
     g_date_free (g);
-    return take (tav_date_to_string_format (&date, TavDateWeekNameFormat, weekday));
+    return take (tav_date_to_string_format (&date, TavDateLongFormat, weekday));
 }
 
 /* The zone's abbreviation at the given local time ("CET", "EEST"). */

@@ -921,7 +921,7 @@ static void set_day_title (TavCalendarWindow *window)
         return;
     }
     const int weekday = tav_calendar_processor_date_to_day_of_week (priv->processor, &day.start);
-    tav::GCharPtr text (tav_date_to_string_format (&day.start, TavDateWeekNameFormat, weekday));
+    tav::GCharPtr text (tav_date_to_string_format (&day.start, TavDateLongFormat, weekday));
     gtk_window_set_title (GTK_WINDOW (priv->day_window), text.get ());
 }
 
