@@ -104,6 +104,12 @@ static bool has_neighbour (TavEventView *view, int step)
     return index >= 0 && next >= 0 && next < static_cast<int> (view->priv->list.size ());
 }
 
+/* A real day (the library's own check lets day 0 pass). */
+static bool usable (const TavDate &date)
+{
+    return date.day >= 1 && date.year >= 1900 && date.year <= 2100 && tav_date_is_valid (&date);
+}
+
 static std::string take (char *text)
 {
     std::string out = text ? text : "";
@@ -113,7 +119,7 @@ static std::string take (char *text)
 
 static std::string date_text (const TavDate &date)
 {
-    if (!tav_date_is_valid (&date))
+    if (!usable (date))
         return "";
     GDate *g = g_date_new_dmy (date.day, static_cast<GDateMonth> (date.month + 1), date.year);
     const int weekday = g_date_get_weekday (g) % 7; /* Sunday 0 */
@@ -168,7 +174,7 @@ static void rebuild_texts (TavEventView *view)
     TavDate last = end_date ? *end_date : first;
     /* The occurrence shown: shift the span by the instance's distance. */
     TavDate shown_start = first;
-    if (tav_date_is_valid (&priv->instance_date) && tav_date_is_valid (&first)) {
+    if (usable (priv->instance_date) && usable (first) && usable (last)) {
         GDate *a = g_date_new_dmy (first.day, static_cast<GDateMonth> (first.month + 1), first.year);
         GDate *b = g_date_new_dmy (priv->instance_date.day, static_cast<GDateMonth> (priv->instance_date.month + 1),
                                    priv->instance_date.year);
@@ -210,7 +216,7 @@ static void rebuild_texts (TavEventView *view)
         const char *rule = tav_calendar_repeat_to_string (static_cast<TavCalendarRepeatCode> (repeat));
         std::string text = rule ? rule : TAV_CAL ("cal_fi_repeat_complex");
         priv->lines.push_back ({ TAV_CAL ("cal_fi_repeat"), text });
-        if (show_until && until && tav_date_is_valid (until) && until->year < 2038)
+        if (show_until && until && usable (*until) && until->year < 2038)
             priv->lines.push_back ({ TAV_CAL ("cal_fi_repeat_until"), date_text (*until) });
     }
     if (alarm > 0) {
@@ -650,7 +656,7 @@ void tav_event_view_set_entry (TavEventView *view, TavCalendarEntry *entry, cons
     g_return_if_fail (entry == NULL || TAV_IS_CALENDAR_ENTRY (entry));
     TavEventViewPrivate *priv = view->priv;
     priv->entry = tav::GRefPtr<TavCalendarEntry> (entry);
-    priv->instance_date = (instance_date && tav_date_is_valid (instance_date)) ? *instance_date : TavDate {};
+    priv->instance_date = (instance_date && usable (*instance_date)) ? *instance_date : TavDate {};
     entry_changed (view);
     g_object_notify_by_pspec (G_OBJECT (view), properties[PROP_ENTRY]);
     notify_neighbours (view);
@@ -685,7 +691,7 @@ gboolean tav_event_view_get_activated_timestamp (TavEventView *view, TavTimestam
         return FALSE;
     *timestamp = *start;
     tav_timestamp_free (start);
-    if (tav_date_is_valid (&priv->instance_date))
+    if (usable (priv->instance_date))
         timestamp->date = priv->instance_date;
     return TRUE;
 }
