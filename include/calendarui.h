@@ -18,6 +18,8 @@
 #include "calendarui/TavCalendarView.h"
 #include "calendarui/TavCalendar.h"
 #include "calendarui/TavWeekView.h"
+#include "calendarui/TavAgendaView.h"
+#include "calendarui/TavDayView.h"
 #include "calendarui/TavTaskView.h"
 #include "calendarui/TavNoteView.h"
 #include "calendarui/TavEventView.h"
