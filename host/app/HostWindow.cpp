@@ -354,9 +354,20 @@ bool App::show (const std::string &name)
     } else if (name == "event") {
         const TavDateInterval day = {focus, focus};
         GList *entries = calendars->read_interval (day);
-        GList *event = entries;
-        while (event && (TAV_IS_CALENDAR_TASK (event->data) || TAV_IS_CALENDAR_NOTE (event->data))) {
-            event = event->next;
+        /* An event of that very day, a timed one when there is one. */
+        GList *event = nullptr;
+        for (GList *l = entries; l; l = l->next) {
+            if (TAV_IS_CALENDAR_TASK (l->data) || TAV_IS_CALENDAR_NOTE (l->data)) {
+                continue;
+            }
+            TavDate *start = nullptr;
+            gboolean all_day = FALSE;
+            g_object_get (l->data, "start-date", &start, "all-day", &all_day, nullptr);
+            const bool that_day = start && tav_date_compare (start, &focus) == 0;
+            tav_date_free (start);
+            if (that_day && (!event || !all_day)) {
+                event = l;
+            }
         }
         if (event) {
             open_event_view (*this, TAV_CALENDAR_ENTRY (event->data), &focus);

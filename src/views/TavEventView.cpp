@@ -298,9 +298,19 @@ struct Card {
     }
 };
 
-void set_rgb (cairo_t *cr, KivoColorRole role)
+/* The agenda's palette, so that an entry opened from a list looks like its row. */
+enum Shade { PAGE, CARD, CARD_LINE, TEXT, SECONDARY_TEXT };
+
+void set_rgb (cairo_t *cr, Shade shade, double alpha = 1.0)
 {
-    kivo_style_set_source (cr, role, 1.0);
+    static const double rgb[][3] = {
+        { 0.122, 0.157, 0.200 }, /* #1f2833 */
+        { 0.176, 0.231, 0.282 }, /* #2d3b48 */
+        { 0.235, 0.294, 0.353 },
+        { 0.96, 0.97, 0.98 },
+        { 0.70, 0.75, 0.80 },
+    };
+    cairo_set_source_rgba (cr, rgb[shade][0], rgb[shade][1], rgb[shade][2], alpha);
 }
 
 } // namespace
@@ -308,14 +318,14 @@ void set_rgb (cairo_t *cr, KivoColorRole role)
 static void paint_arrow (cairo_t *cr, int x, int y, int width, bool left, bool enabled)
 {
     kivo_style_rounded_rect (cr, x, y, width, FOOTER_HEIGHT - 24, 8);
-    kivo_style_set_source (cr, KIVO_COLOR_SURFACE, enabled ? 1.0 : 0.35);
+    set_rgb (cr, CARD, enabled ? 1.0 : 0.4);
     cairo_fill (cr);
     const double cx = x + width / 2.0, cy = y + (FOOTER_HEIGHT - 24) / 2.0;
     const double d = left ? -8 : 8;
     cairo_move_to (cr, cx - d, cy - 12);
     cairo_line_to (cr, cx + d, cy);
     cairo_line_to (cr, cx - d, cy + 12);
-    kivo_style_set_source (cr, KIVO_COLOR_TEXT, enabled ? 1.0 : 0.3);
+    set_rgb (cr, TEXT, enabled ? 1.0 : 0.25);
     cairo_set_line_width (cr, 3);
     cairo_stroke (cr);
 }
@@ -330,7 +340,7 @@ static gboolean tav_event_view_expose (GtkWidget *widget, GdkEventExpose *event)
     cairo_t *cr = gdk_cairo_create (widget->window);
     gdk_cairo_region (cr, event->region);
     cairo_clip (cr);
-    set_rgb (cr, KIVO_COLOR_BACKGROUND);
+    set_rgb (cr, PAGE);
     cairo_paint (cr);
 
     if (!priv->entry) {
@@ -341,7 +351,7 @@ static gboolean tav_event_view_expose (GtkWidget *widget, GdkEventExpose *event)
     /* Header: the colour band, title and time span on a raised surface. */
     const int header = card.header_height () + 2 * LINE_GAP;
     kivo_style_rounded_rect (cr, PADDING / 2, PADDING / 2, width - PADDING, header + PADDING / 2, 10);
-    set_rgb (cr, KIVO_COLOR_SURFACE);
+    set_rgb (cr, CARD);
     cairo_fill (cr);
     const tav::CalendarRgb &rgb = tav::calendar_rgb (priv->color);
     cairo_set_source_rgb (cr, rgb.r / 255.0, rgb.g / 255.0, rgb.b / 255.0);
@@ -350,30 +360,30 @@ static gboolean tav_event_view_expose (GtkWidget *widget, GdkEventExpose *event)
 
     const int x = PADDING + BAND_WIDTH + 16;
     int y = PADDING;
-    set_rgb (cr, KIVO_COLOR_TEXT);
+    set_rgb (cr, TEXT);
     cairo_move_to (cr, x, y);
     pango_cairo_show_layout (cr, card.title);
     y += Card::h (card.title) + 6;
-    set_rgb (cr, KIVO_COLOR_SECONDARY_TEXT);
+    set_rgb (cr, SECONDARY_TEXT);
     cairo_move_to (cr, x, y);
     pango_cairo_show_layout (cr, card.when);
     y = PADDING + header + LINE_GAP;
 
     for (auto &line : card.lines) {
-        set_rgb (cr, KIVO_COLOR_SECONDARY_TEXT);
+        set_rgb (cr, SECONDARY_TEXT);
         cairo_move_to (cr, PADDING, y + 3);
         pango_cairo_show_layout (cr, line.first);
-        set_rgb (cr, KIVO_COLOR_TEXT);
+        set_rgb (cr, TEXT);
         cairo_move_to (cr, PADDING + 190, y);
         pango_cairo_show_layout (cr, line.second);
         y += std::max (Card::h (line.first), Card::h (line.second)) + LINE_GAP;
     }
     if (pango_layout_get_character_count (card.description) > 0) {
-        set_rgb (cr, KIVO_COLOR_BORDER);
+        set_rgb (cr, CARD_LINE);
         cairo_rectangle (cr, PADDING, y, width - 2 * PADDING, 1);
         cairo_fill (cr);
         y += LINE_GAP;
-        set_rgb (cr, KIVO_COLOR_TEXT);
+        set_rgb (cr, TEXT);
         cairo_move_to (cr, PADDING, y);
         pango_cairo_show_layout (cr, card.description);
     }

@@ -302,7 +302,6 @@ static TavDate focus_date (TavCalendarWindow *window)
                 date = { FIRST_YEAR, 0, 1 };
         }
     }
-#ifdef TAV_HAVE_AGENDA_VIEW
     else if (source && source == window->agenda_view) {
         if (!tav_agenda_view_get_visible_date (TAV_AGENDA_VIEW (source), &date)) {
             TavDateInterval shown;
@@ -313,7 +312,6 @@ static TavDate focus_date (TavCalendarWindow *window)
             }
         }
     }
-#endif
     return date;
 }
 
@@ -345,7 +343,6 @@ static void move_week_to (TavCalendarWindow *window, const TavDate &date)
 
 static void move_agenda_to (TavCalendarWindow *window, const TavDate &date)
 {
-#ifdef TAV_HAVE_AGENDA_VIEW
     TavCalendarWindowPrivate *priv = window->priv;
     TavAgendaView *agenda = TAV_AGENDA_VIEW (window->agenda_view);
     gboolean is_set = FALSE;
@@ -361,10 +358,6 @@ static void move_agenda_to (TavCalendarWindow *window, const TavDate &date)
     gtk_widget_show (window->agenda_view);
     tav_agenda_view_set_presented_interval_by_date (agenda, &date);
     tav_agenda_view_jump_to_date (agenda, &date);
-#else
-    (void) window;
-    (void) date;
-#endif
 }
 
 static void log_refresh_flags (TavCalendarWindow *window)
@@ -733,14 +726,10 @@ void tav_calendar_window_read_database (TavCalendarWindow *window)
         window->priv->agenda_needs_refresh = FALSE;
         tav_calendar_view_read_database (view_of (current));
     }
-#ifdef TAV_HAVE_NOTE_VIEW
     else if (current == window->note_view)
         tav_note_view_read_database (TAV_NOTE_VIEW (current));
-#endif
-#ifdef TAV_HAVE_TASK_VIEW
     else if (current == window->task_view)
         tav_task_view_read_database (TAV_TASK_VIEW (current));
-#endif
     else if (current == window->day_view)
         tav_calendar_view_read_database (view_of (current));
 }
@@ -813,13 +802,9 @@ void tav_calendar_window_refresh_entry (TavCalendarWindow *window, TavCalendarEn
             tav_calendar_view_recalculate_entries (view_of (current));
     }
     if (TAV_IS_CALENDAR_TASK (entry)) {
-#ifdef TAV_HAVE_TASK_VIEW
         tav_task_view_refresh_task (TAV_TASK_VIEW (window->task_view), TAV_CALENDAR_TASK (entry));
-#endif
     } else if (TAV_IS_CALENDAR_NOTE (entry)) {
-#ifdef TAV_HAVE_NOTE_VIEW
         tav_note_view_refresh_note (TAV_NOTE_VIEW (window->note_view), TAV_CALENDAR_NOTE (entry));
-#endif
     } else if (current && current == window->event_view) {
         tav_event_view_refresh_entry (TAV_EVENT_VIEW (current), entry);
         update_event_menu (window);
@@ -835,10 +820,8 @@ void tav_calendar_window_remove_entry (TavCalendarWindow *window, TavCalendarEnt
         if (view && tav_calendar_view_remove_entry (view_of (view), entry))
             tav_calendar_view_recalculate_entries (view_of (view));
     }
-#ifdef TAV_HAVE_NOTE_VIEW
     if (TAV_IS_CALENDAR_NOTE (entry))
         tav_note_view_delete_note (TAV_NOTE_VIEW (window->note_view), TAV_CALENDAR_NOTE (entry));
-#endif
     /* A removed entry must not linger in the event view. */
     TavEventView *event_view = TAV_EVENT_VIEW (window->event_view);
     if (tav_event_view_get_entry (event_view) == entry) {
@@ -900,10 +883,8 @@ void scroll_current_vew (TavCalendarWindow *window, GtkAdjustment *adj)
         return;
     }
     kivo_pannable_area_scroll_to (KIVO_PANNABLE_AREA (area), -1, static_cast<gint> (gtk_adjustment_get_value (adj)));
-#ifdef TAV_HAVE_AGENDA_VIEW
     if (current == window->agenda_view)
         tav_agenda_view_fix_scrolling (TAV_AGENDA_VIEW (current));
-#endif
 }
 
 /* View signals ------------------------------------------------------------------------- */
@@ -974,16 +955,11 @@ static void on_day_activated_cb (GtkWidget *, int year, int month, int day, gpoi
     }
     if (tav_calendar_window_task_view_active (window) || !window->day_view)
         return;
-#ifdef TAV_HAVE_DAY_VIEW
     const TavDate date = { year, month, day };
     tav_calendar_view_clear_entries (view_of (window->day_view));
     tav_calendar_window_show_day_view (window);
     tav_day_view_set_presented_interval_by_date (TAV_DAY_VIEW (window->day_view), &date);
     set_day_title (window);
-#else
-    (void) month;
-    (void) day;
-#endif
 }
 
 static void on_week_activated_cb (GtkWidget *, int, const TavDateInterval *week, gpointer data)
@@ -1074,21 +1050,13 @@ static gboolean tav_calendar_window_previous_month (TavCalendarWindow *window)
 
 static gboolean tav_calendar_window_previous_day (TavCalendarWindow *window)
 {
-#ifdef TAV_HAVE_DAY_VIEW
     tav_day_view_select_previous_day (TAV_DAY_VIEW (window->day_view));
-#else
-    (void) window;
-#endif
     return FALSE;
 }
 
 static gboolean tav_calendar_window_next_day (TavCalendarWindow *window)
 {
-#ifdef TAV_HAVE_DAY_VIEW
     tav_day_view_select_next_day (TAV_DAY_VIEW (window->day_view));
-#else
-    (void) window;
-#endif
     return TRUE;
 }
 
@@ -1177,7 +1145,6 @@ static void move_current_view_to (TavCalendarWindow *window, const TavDate &date
         }
         set_week_interval (window, week);
     } else if (current && current == window->agenda_view) {
-#ifdef TAV_HAVE_AGENDA_VIEW
         TavDateInterval shown;
         if (presented_interval (current, &shown)) {
             TavDate middle = shown.start;
@@ -1186,12 +1153,9 @@ static void move_current_view_to (TavCalendarWindow *window, const TavDate &date
                 return;
         }
         tav_agenda_view_set_presented_interval_by_date (TAV_AGENDA_VIEW (current), &date);
-#endif
     } else if (current && current == window->day_view) {
-#ifdef TAV_HAVE_DAY_VIEW
         tav_day_view_set_presented_interval_by_date (TAV_DAY_VIEW (current), &date);
         set_day_title (window);
-#endif
     } else {
         TAV_WARNING_AS (func, "Unimplemented.");
     }
@@ -1393,24 +1357,16 @@ static void tav_calendar_window_init (TavCalendarWindow *window)
     g_object_ref_sink (window->month_view);
     window->week_view = new_view (TAV_TYPE_WEEK_VIEW);
     gtk_container_add (GTK_CONTAINER (priv->areas[AREA_WEEK]), window->week_view);
-#ifdef TAV_HAVE_DAY_VIEW
     window->day_view = new_view (TAV_TYPE_DAY_VIEW);
     gtk_container_add (GTK_CONTAINER (priv->areas[AREA_DAY]), window->day_view);
-#endif
-#ifdef TAV_HAVE_AGENDA_VIEW
     window->agenda_view = new_view (TAV_TYPE_AGENDA_VIEW);
     gtk_container_add (GTK_CONTAINER (priv->areas[AREA_AGENDA]), window->agenda_view);
-#endif
     window->event_view = new_view (TAV_TYPE_EVENT_VIEW);
     kivo_pannable_area_add_with_viewport (KIVO_PANNABLE_AREA (priv->areas[AREA_EVENT]), window->event_view);
-#ifdef TAV_HAVE_TASK_VIEW
     window->task_view = new_view (TAV_TYPE_TASK_VIEW);
     gtk_container_add (GTK_CONTAINER (priv->areas[AREA_TASK]), window->task_view);
-#endif
-#ifdef TAV_HAVE_NOTE_VIEW
     window->note_view = new_view (TAV_TYPE_NOTE_VIEW);
     gtk_container_add (GTK_CONTAINER (priv->areas[AREA_NOTE]), window->note_view);
-#endif
     for (GtkWidget *area : priv->areas)
         gtk_widget_show (area);
 

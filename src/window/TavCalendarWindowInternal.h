@@ -7,23 +7,11 @@
 
 #include "KivoAppMenu.h"
 
-/* The views and dialogs that this build has. */
-#if __has_include("TavAgendaView.h")
-#define TAV_HAVE_AGENDA_VIEW 1
+/* The dialogs that this build has. */
 #include "TavAgendaView.h"
-#endif
-#if __has_include("TavDayView.h")
-#define TAV_HAVE_DAY_VIEW 1
 #include "TavDayView.h"
-#endif
-#if __has_include("TavTaskView.h")
-#define TAV_HAVE_TASK_VIEW 1
 #include "TavTaskView.h"
-#endif
-#if __has_include("TavNoteView.h")
-#define TAV_HAVE_NOTE_VIEW 1
 #include "TavNoteView.h"
-#endif
 #if __has_include("TavCalendarSettingsDialog.h")
 #define TAV_HAVE_SETTINGS_DIALOG 1
 #include "TavCalendarSettingsDialog.h"

@@ -134,10 +134,6 @@ KivoAppMenu *_create_main_view_menu (TavCalendarWindow *window)
         gtk_widget_show (toggle);
         *f.slot = toggle;
     }
-#ifndef TAV_HAVE_AGENDA_VIEW
-    /* A build without the agenda view offers no way to it. */
-    gtk_widget_hide (priv->agenda_toggle);
-#endif
 
     priv->prev_week_item = append_item (menu, "cal_me_previous_week", G_CALLBACK (on_previous_week_clicked), window);
     priv->next_week_item = append_item (menu, "cal_me_next_week", G_CALLBACK (on_next_week_clicked), window);
