@@ -1,5 +1,6 @@
 #include "HostWindow.h"
 
+#include "HostEditor.h"
 #include "HostLists.h"
 
 #include <calendarui.h>
@@ -205,7 +206,6 @@ gboolean on_edit_event_cb (TavCalendarWindow *, TavCalendarEntry *entry, gpointe
     return static_cast<App *> (data)->open_editor (entry, nullptr, nullptr, false) != nullptr;
 }
 
-#ifdef TAV_TYPE_CALENDAR_EVENT_WINDOW
 void on_entry_created_cb (GtkWidget *, TavCalendarEntry *entry, gpointer data)
 {
     tav_calendar_window_add_entry (static_cast<App *> (data)->window, entry);
@@ -220,7 +220,18 @@ void on_deleting_entry_cb (GtkWidget *, TavCalendarEntry *entry, gpointer data)
 {
     tav_calendar_window_remove_entry (static_cast<App *> (data)->window, entry);
 }
-#endif
+
+/* A save that failed: the editor has closed; a note says why. */
+void on_editor_error_cb (GtkWidget *editor, const char *text, gpointer data)
+{
+    fprintf (stderr, "tav-calendar: the event was not saved: %s\n", text ? text : "");
+    GtkWidget *parent = tav_calendar_window_get_topmost_window (static_cast<App *> (data)->window);
+    GtkWidget *note = gtk_message_dialog_new (GTK_WINDOW (parent), GTK_DIALOG_MODAL, GTK_MESSAGE_ERROR, GTK_BUTTONS_OK,
+                                              "%s", text ? text : "");
+    g_signal_connect (note, "response", G_CALLBACK (gtk_widget_destroy), nullptr);
+    gtk_widget_show (note);
+    (void) editor;
+}
 
 #ifdef TAV_TYPE_CALENDAR_SETTINGS_DIALOG
 struct SettingsSession {
@@ -403,21 +414,10 @@ TavDate App::current_date () const
 
 GtkWidget *App::open_editor (TavCalendarEntry *entry, const TavDate *date, const TavTime *time, bool all_day)
 {
-#ifdef TAV_TYPE_CALENDAR_EVENT_WINDOW
-    GtkWidget *editor = entry ? tav_calendar_event_window_new_from_entry (entry) : tav_calendar_event_window_new ();
-    std::vector<TavCalendarSource *> sources;
-    GList *list = nullptr;
-    for (const CalendarRecord &c : calendars->store ().calendars ()) {
-        if (TavHostCalendarSource *s = calendars->source (c.id)) {
-            list = g_list_append (list, s);
-        }
-    }
-    tav_calendar_event_window_add_sources (TAV_CALENDAR_EVENT_WINDOW (editor), list);
-    g_list_free (list);
+    GtkWidget *editor = open_event_editor (*calendars, date, entry);
     if (!entry && date) {
-        tav_calendar_event_window_set_selected_date (TAV_CALENDAR_EVENT_WINDOW (editor), date);
         if (time) {
-            TavTime end = {std::min (time->hour + 1, 23), time->hour >= 23 ? 59 : time->minute};
+            const TavTime end = {std::min (time->hour + 1, 23), time->hour >= 23 ? 59 : time->minute};
             tav_calendar_event_window_set_selected_start_time (TAV_CALENDAR_EVENT_WINDOW (editor), time);
             tav_calendar_event_window_set_selected_end_time (TAV_CALENDAR_EVENT_WINDOW (editor), &end);
         }
@@ -426,16 +426,10 @@ GtkWidget *App::open_editor (TavCalendarEntry *entry, const TavDate *date, const
     g_signal_connect (editor, "entry-created", G_CALLBACK (on_entry_created_cb), this);
     g_signal_connect (editor, "entry-saved", G_CALLBACK (on_entry_saved_cb), this);
     g_signal_connect (editor, "deleting-entry", G_CALLBACK (on_deleting_entry_cb), this);
+    g_signal_connect (editor, "error", G_CALLBACK (on_editor_error_cb), this);
     gtk_window_set_transient_for (GTK_WINDOW (editor), GTK_WINDOW (tav_calendar_window_get_topmost_window (window)));
     gtk_widget_show (editor);
     return editor;
-#else
-    (void) entry;
-    (void) date;
-    (void) time;
-    (void) all_day;
-    return nullptr;
-#endif
 }
 
 /* Screenshots ------------------------------------------------------------------------ */
@@ -530,7 +524,6 @@ int render_views (App &app, const std::string &dir)
     }
     app.show ("month");
     flush ();
-#ifdef TAV_TYPE_CALENDAR_EVENT_WINDOW
     {
         const TavTime ten = {10, 0};
         GtkWidget *editor = app.open_editor (nullptr, &app.focus, &ten, false);
@@ -539,7 +532,6 @@ int render_views (App &app, const std::string &dir)
         }
         gtk_widget_destroy (editor);
     }
-#endif
 #ifdef TAV_TYPE_CALENDAR_SETTINGS_DIALOG
     {
         gboolean handled = FALSE;

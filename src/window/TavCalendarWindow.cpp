@@ -701,11 +701,7 @@ GtkWidget *tav_calendar_window_get_topmost_window (TavCalendarWindow *window)
 
 gboolean tav_calendar_window_are_dialogs_open (void)
 {
-#ifdef TAV_HAVE_CALENDAR_DIALOG
     return tav_calendar_dialog_is_dialog_open ();
-#else
-    return FALSE;
-#endif
 }
 
 /* Reading and data changes ------------------------------------------------------------ */

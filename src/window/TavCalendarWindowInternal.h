@@ -16,10 +16,7 @@
 #define TAV_HAVE_SETTINGS_DIALOG 1
 #include "TavCalendarSettingsDialog.h"
 #endif
-#if __has_include("TavCalendarDialog.h")
-#define TAV_HAVE_CALENDAR_DIALOG 1
 #include "TavCalendarDialog.h"
-#endif
 
 /* The window's pannable areas, in order: the agenda's is the second, the
  * week's the third. */
