@@ -5,6 +5,9 @@
  *   tav-calendar --export FILE.ics
  *   tav-calendar --screenshot DIR
  *   tav-calendar --new-event [--date YYYY-MM-DD] | --edit-event UID
+ *   tav-calendar --settings
+ *
+ * Settings are kept in $XDG_CONFIG_HOME/tav-calendar/settings.ini.
  *
  * Exit status: 0 success, 1 an import or export failed, 2 bad arguments or
  * a store that cannot be opened, 3 no display for the window.
@@ -46,6 +49,7 @@ struct Options {
     gboolean new_event = FALSE;
     gboolean demo = FALSE;
     gboolean open = FALSE;
+    gboolean settings = FALSE;
 
     ~Options ()
     {
@@ -90,17 +94,10 @@ std::string default_store_path ()
     return out;
 }
 
-/* The settings live beside the user's store; a store named with --db or
- * the demo store keeps its own beside it. */
-std::string settings_path (bool beside_store, const std::string &store_path)
+/* The root view the settings name. */
+const char *default_view_name (int value)
 {
-    if (beside_store) {
-        return store_path + ".settings";
-    }
-    gchar *path = g_build_filename (g_get_user_config_dir (), "tav-calendar", "settings.ini", nullptr);
-    std::string out = path;
-    g_free (path);
-    return out;
+    return value == SettingsValueWeekView ? "week" : value == SettingsValueAgendaView ? "agenda" : "month";
 }
 
 /* Progress of a long import: a line on the terminal, and a bar in a small
@@ -153,6 +150,7 @@ int main (int argc, char **argv)
         {"open", 0, 0, G_OPTION_ARG_NONE, &opt.open, "Show the calendar after --import or --export", nullptr},
         {"view", 0, 0, G_OPTION_ARG_STRING, &opt.view, "The view to show first", "NAME"},
         {"date", 0, 0, G_OPTION_ARG_STRING, &opt.date, "The day to show", "YYYY-MM-DD"},
+        {"settings", 0, 0, G_OPTION_ARG_NONE, &opt.settings, "Show only the settings dialog; exit when it closes", nullptr},
         {"screenshot", 0, 0, G_OPTION_ARG_FILENAME, &opt.screenshot, "Render each view at 800x480 to DIR/<view>.png and exit", "DIR"},
         {"new-event", 0, 0, G_OPTION_ARG_NONE, &opt.new_event, "Open the event editor for a new event (on --date), then exit", nullptr},
         {"edit-event", 0, 0, G_OPTION_ARG_STRING, &opt.edit_event, "Open the event editor for the stored event UID, then exit", "UID"},
@@ -243,10 +241,16 @@ int main (int argc, char **argv)
     App app;
     app.calendars = std::make_unique<CalendarSet> (store);
     app.focus = focus;
-    app.settings_path = settings_path (opt.db != nullptr || opt.demo, path);
-    app.settings.load (app.settings_path);
+    SettingsFile settings;
+    app.settings = &settings;
 
-    const bool want_ui = opt.screenshot || opt.open || (!opt.imports && !opt.export_path);
+    const bool want_ui = opt.screenshot || opt.open || opt.settings || (!opt.imports && !opt.export_path);
+    if (want_ui) {
+        /* A damaged file is reported here once: loading repairs it. */
+        for (const std::string &problem : settings.load ()) {
+            fprintf (stderr, "tav-calendar: %s\n", problem.c_str ());
+        }
+    }
     const bool have_display = want_ui && gtk_init_check (&argc, &argv);
     int status = 0;
 
@@ -339,10 +343,15 @@ int main (int argc, char **argv)
             if (entry) {
                 g_object_unref (entry);
             }
+        } else if (opt.settings) {
+            /* The dialog alone, before (and without) the calendar window. */
+            GtkWidget *dialog = app.open_settings ();
+            g_signal_connect (dialog, "destroy", G_CALLBACK (gtk_main_quit), nullptr);
+            gtk_main ();
         } else {
             app.build ();
             gtk_widget_show (GTK_WIDGET (app.window));
-            app.show (opt.view ? opt.view : app.settings.default_view);
+            app.show (opt.view ? opt.view : default_view_name (settings.values.default_view));
             gtk_main ();
         }
     }
@@ -354,7 +363,7 @@ int main (int argc, char **argv)
     app.calendars.reset ();
     store.reset ();
     if (demo_dir) {
-        for (const char *suffix : {"/demo.db", "/demo.db-wal", "/demo.db-shm", "/demo.db.settings"}) {
+        for (const char *suffix : {"/demo.db", "/demo.db-wal", "/demo.db-shm"}) {
             g_unlink ((std::string (demo_dir) + suffix).c_str ());
         }
         g_rmdir (demo_dir);

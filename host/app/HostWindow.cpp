@@ -64,50 +64,6 @@ std::string view_names ()
     return out;
 }
 
-/* Settings ------------------------------------------------------------------ */
-
-void HostSettings::load (const std::string &path)
-{
-    GKeyFile *file = g_key_file_new ();
-    if (g_key_file_load_from_file (file, path.c_str (), G_KEY_FILE_NONE, nullptr)) {
-        gchar *view = g_key_file_get_string (file, "calendar", "default-view", nullptr);
-        if (view && (strcmp (view, "month") == 0 || strcmp (view, "week") == 0 || strcmp (view, "agenda") == 0)) {
-            default_view = view;
-        }
-        g_free (view);
-        gchar *start = g_key_file_get_string (file, "calendar", "week-start", nullptr);
-        if (start) {
-            first_day_of_week = strcmp (start, "sunday") == 0 ? 0 : 1;
-        }
-        g_free (start);
-        hide_done_tasks = g_key_file_get_boolean (file, "calendar", "hide-done-tasks", nullptr);
-        remove_items = g_key_file_get_integer (file, "calendar", "remove-items", nullptr);
-        gchar *tone = g_key_file_get_string (file, "calendar", "alarm-tone", nullptr);
-        alarm_tone = tone ? tone : "";
-        g_free (tone);
-    }
-    g_key_file_free (file);
-}
-
-bool HostSettings::save (const std::string &path) const
-{
-    GKeyFile *file = g_key_file_new ();
-    g_key_file_set_string (file, "calendar", "default-view", default_view.c_str ());
-    g_key_file_set_string (file, "calendar", "week-start", first_day_of_week == 0 ? "sunday" : "monday");
-    g_key_file_set_boolean (file, "calendar", "hide-done-tasks", hide_done_tasks);
-    g_key_file_set_integer (file, "calendar", "remove-items", remove_items);
-    g_key_file_set_string (file, "calendar", "alarm-tone", alarm_tone.c_str ());
-    gsize length = 0;
-    gchar *text = g_key_file_to_data (file, &length, nullptr);
-    gchar *dir = g_path_get_dirname (path.c_str ());
-    g_mkdir_with_parents (dir, 0700);
-    const bool ok = g_file_set_contents (path.c_str (), text, static_cast<gssize> (length), nullptr);
-    g_free (dir);
-    g_free (text);
-    g_key_file_free (file);
-    return ok;
-}
-
 /* Window signals -------------------------------------------------------------- */
 
 namespace {
@@ -233,65 +189,10 @@ void on_editor_error_cb (GtkWidget *editor, const char *text, gpointer data)
     (void) editor;
 }
 
-#ifdef TAV_TYPE_CALENDAR_SETTINGS_DIALOG
-struct SettingsSession {
-    App *app;
-    GtkWidget *dialog;
-};
-
-void on_settings_save_cb (GtkWidget *, gpointer data)
+gboolean on_settings_cb (TavCalendarWindow *, gpointer data)
 {
-    auto *session = static_cast<SettingsSession *> (data);
-    App *app = session->app;
-    int week_start = 0, hide = 0, remove = 0;
-    tav_calendar_settings_dialog_get_values (TAV_CALENDAR_SETTINGS_DIALOG (session->dialog), SettingsWeekStart,
-                                             &week_start, SettingsHideDoneTasks, &hide, SettingsRemoveItems, &remove,
-                                             -1);
-    gchar *tone = nullptr;
-    g_object_get (session->dialog, "alarm-tone", &tone, nullptr);
-    app->settings.alarm_tone = tone ? tone : "";
-    g_free (tone);
-    app->settings.first_day_of_week = week_start == SettingsValueSunday ? 0 : 1;
-    app->settings.hide_done_tasks = hide == SettingsValueYes;
-    app->settings.remove_items = remove;
-    const int view = tav_calendar_window_get_settings (app->window, SettingsDefaultView);
-    app->settings.default_view = view == SettingsValueWeekView ? "week" : view == SettingsValueAgendaView ? "agenda" : "month";
-    if (!app->settings.save (app->settings_path)) {
-        fprintf (stderr, "tav-calendar: cannot write the settings to '%s'\n", app->settings_path.c_str ());
-    }
-    tav_calendar_window_set_first_day_of_week (app->window, app->settings.first_day_of_week);
-    gtk_widget_destroy (session->dialog);
+    return static_cast<App *> (data)->open_settings () != nullptr;
 }
-
-gboolean on_settings_cb (TavCalendarWindow *window, gpointer data)
-{
-    App *app = static_cast<App *> (data);
-    GtkWidget *dialog = tav_calendar_settings_dialog_new ();
-    tav_calendar_settings_dialog_set_values (TAV_CALENDAR_SETTINGS_DIALOG (dialog), SettingsWeekStart,
-                                             app->settings.first_day_of_week == 0 ? SettingsValueSunday
-                                                                                  : SettingsValueMonday,
-                                             SettingsHideDoneTasks,
-                                             app->settings.hide_done_tasks ? SettingsValueYes : SettingsValueNo,
-                                             SettingsRemoveItems,
-                                             app->settings.remove_items ? app->settings.remove_items : SettingsValueNever,
-                                             -1);
-    int visible = 0;
-    for (const CalendarRecord &c : app->calendars->store ().calendars ()) {
-        visible += c.visible ? 1 : 0;
-    }
-    g_object_set (dialog, "num-visible-calendars", visible, nullptr);
-    if (!app->settings.alarm_tone.empty ()) {
-        g_object_set (dialog, "alarm-tone", app->settings.alarm_tone.c_str (), nullptr);
-    }
-    auto *session = new SettingsSession {app, dialog};
-    g_signal_connect_data (dialog, "save-clicked", G_CALLBACK (on_settings_save_cb), session,
-                           [] (gpointer d, GClosure *) { delete static_cast<SettingsSession *> (d); },
-                           GConnectFlags (0));
-    gtk_window_set_transient_for (GTK_WINDOW (dialog), GTK_WINDOW (tav_calendar_window_get_topmost_window (window)));
-    gtk_widget_show (dialog);
-    return TRUE;
-}
-#endif
 
 }  // namespace
 
@@ -300,7 +201,6 @@ gboolean on_settings_cb (TavCalendarWindow *window, gpointer data)
 void App::build ()
 {
     window = TAV_CALENDAR_WINDOW (tav_calendar_window_new ());
-    tav_calendar_window_set_first_day_of_week (window, settings.first_day_of_week);
     for (GtkWidget *view : {window->month_view, window->week_view, window->agenda_view, window->day_view}) {
         if (view) {
             g_signal_connect (view, "database-access-read", G_CALLBACK (on_view_read_cb), this);
@@ -324,9 +224,46 @@ void App::build ()
     }
     g_signal_connect (window, "new-event-activated", G_CALLBACK (on_new_event_cb), this);
     g_signal_connect (window, "edit-event-activated", G_CALLBACK (on_edit_event_cb), this);
-#ifdef TAV_TYPE_CALENDAR_SETTINGS_DIALOG
     g_signal_connect (window, "settings-activated", G_CALLBACK (on_settings_cb), this);
-#endif
+    apply_settings ();
+}
+
+void App::apply_settings ()
+{
+    if (!window) {
+        return;
+    }
+    const Settings defaults;
+    const Settings &values = settings ? settings->values : defaults;
+    tav_calendar_window_set_first_day_of_week (window, values.first_day_of_week ());
+    const gboolean hide_done = values.hide_done_tasks == SettingsValueYes;
+    for (GtkWidget *view : {window->month_view, window->week_view, window->agenda_view, window->day_view}) {
+        if (view) {
+            g_object_set (view, "hide-done-tasks", hide_done, nullptr);
+        }
+    }
+}
+
+int App::visible_calendars () const
+{
+    int count = 0;
+    for (const CalendarRecord &c : calendars->store ().calendars ()) {
+        count += c.visible ? 1 : 0;
+    }
+    return count;
+}
+
+GtkWidget *App::open_settings ()
+{
+    if (!settings) {
+        return nullptr;
+    }
+    GtkWindow *parent = window ? GTK_WINDOW (tav_calendar_window_get_topmost_window (window)) : nullptr;
+    return open_settings_dialog (*settings, visible_calendars (), parent, [this] (const Settings &) {
+        apply_settings ();
+        /* The views read again with the new week start and done tasks. */
+        tav_calendar_window_read_database (window);
+    });
 }
 
 App::~App ()
@@ -532,8 +469,12 @@ int render_views (App &app, const std::string &dir)
         }
         gtk_widget_destroy (editor);
     }
-#ifdef TAV_TYPE_CALENDAR_SETTINGS_DIALOG
     {
+        SettingsFile defaults (std::string ("/nonexistent/settings.ini"));
+        SettingsFile *kept = app.settings;
+        if (!app.settings) {
+            app.settings = &defaults;
+        }
         gboolean handled = FALSE;
         g_signal_emit_by_name (app.window, "settings-activated", &handled);
         if (!save_screen (app, dir, "settings")) {
@@ -547,8 +488,8 @@ int render_views (App &app, const std::string &dir)
             }
         }
         g_list_free (toplevels);
+        app.settings = kept;
     }
-#endif
     press_key (GTK_WIDGET (app.window), GDK_F4);
     if (!save_screen (app, dir, "appmenu")) {
         return 1;

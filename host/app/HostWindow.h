@@ -5,6 +5,7 @@
 #define TAV_HOST_WINDOW_H
 
 #include "HostCalendarSet.h"
+#include "HostSettings.h"
 
 #include <gtk/gtk.h>
 
@@ -19,27 +20,20 @@ bool view_in_build (const std::string &name);
 /* "month, week", for messages. */
 std::string view_names ();
 
-/* What the user chose in the settings dialog, kept in a key file. */
-struct HostSettings {
-    std::string default_view = "month";
-    int first_day_of_week = 1;  /* 1 Monday, 0 Sunday */
-    bool hide_done_tasks = false;
-    int remove_items = 0;       /* an age code the dialog offers; 0 never */
-    std::string alarm_tone;
-
-    void load (const std::string &path);
-    bool save (const std::string &path) const;
-};
-
 struct App {
     std::unique_ptr<CalendarSet> calendars;
     TavCalendarWindow *window = nullptr;
     TavDate focus {};
-    HostSettings settings;
-    std::string settings_path;
+    /* The stored settings (owned by the caller); NULL: defaults, not kept. */
+    SettingsFile *settings = nullptr;
 
-    /* Creates the window (not shown) with the settings' week start. */
+    /* Creates the window (not shown) with the settings applied. */
     void build ();
+    /* Gives the window the settings' week start and done-task choice. */
+    void apply_settings ();
+    /* Opens the settings dialog over the window (or alone before it). */
+    GtkWidget *open_settings ();
+    int visible_calendars () const;
     /* Shows view @name on the focus date; false when it is not in the build. */
     bool show (const std::string &name);
     /* Opens the event editor: on @entry, or for a new event at @date, @time. */

@@ -21,6 +21,7 @@
 #include "TavDate.h"
 #include "TavCalendarEntry.h"
 #include "TavCalendarView.h"
+#include "TavCalendarSettingsDialog.h"
 
 G_BEGIN_DECLS
 
@@ -154,6 +155,10 @@ TAV_API void             tav_calendar_window_set_title               (TavCalenda
 TAV_API int              tav_calendar_window_get_first_day_of_week   (TavCalendarWindow *window);
 TAV_API void             tav_calendar_window_set_first_day_of_week   (TavCalendarWindow *window,
                                                                       int first_day_of_week);
+/* SettingsDefaultView: the root view shown (0 with none); SettingsWeekStart:
+ * Monday when weeks start on Monday, else Sunday; other ids: 0. */
+TAV_API TavCalendarSettingsValue tav_calendar_window_get_settings (TavCalendarWindow *window,
+                                                                  TavCalendarSettingsPropertyID id);
 /* TRUE once an activate function switched the root view. */
 TAV_API gboolean         tav_calendar_window_get_view_changed        (TavCalendarWindow *window);
 

@@ -858,6 +858,28 @@ void tav_calendar_window_set_first_day_of_week (TavCalendarWindow *window, int f
         tav_week_view_set_first_day_of_week (TAV_WEEK_VIEW (window->week_view), first_day_of_week);
 }
 
+TavCalendarSettingsValue tav_calendar_window_get_settings (TavCalendarWindow *window, TavCalendarSettingsPropertyID id)
+{
+    g_return_val_if_fail (TAV_IS_CALENDAR_WINDOW (window), static_cast<TavCalendarSettingsValue> (0));
+    switch (id) {
+    case SettingsDefaultView: {
+        TavCalendarView *root = tav_calendar_window_get_current_root_view (window);
+        if (root && GTK_WIDGET (root) == window->month_view)
+            return SettingsValueMonthView;
+        if (root && GTK_WIDGET (root) == window->week_view)
+            return SettingsValueWeekView;
+        if (root && GTK_WIDGET (root) == window->agenda_view)
+            return SettingsValueAgendaView;
+        return static_cast<TavCalendarSettingsValue> (0);
+    }
+    case SettingsWeekStart:
+        return window->priv->first_day_of_week == 1 ? SettingsValueMonday : SettingsValueSunday;
+    default:
+        TAV_WARNING ("Unimplemented");
+        return static_cast<TavCalendarSettingsValue> (0);
+    }
+}
+
 gboolean tav_calendar_window_get_view_changed (TavCalendarWindow *self)
 {
     g_return_val_if_fail (TAV_IS_CALENDAR_WINDOW(self), FALSE);
@@ -1217,13 +1239,9 @@ static gboolean tav_calendar_window_go_to_notes (TavCalendarWindow *window)
 
 static gboolean tav_calendar_window_settings (TavCalendarWindow *window)
 {
-#ifdef TAV_HAVE_SETTINGS_DIALOG
     GtkWidget *dialog = tav_calendar_settings_dialog_new ();
     gtk_window_set_transient_for (GTK_WINDOW (dialog), GTK_WINDOW (tav_calendar_window_get_topmost_window (window)));
     gtk_widget_show (dialog);
-#else
-    (void) window;
-#endif
     return TRUE;
 }
 

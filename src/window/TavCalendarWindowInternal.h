@@ -7,15 +7,11 @@
 
 #include "KivoAppMenu.h"
 
-/* The dialogs that this build has. */
 #include "TavAgendaView.h"
 #include "TavDayView.h"
 #include "TavTaskView.h"
 #include "TavNoteView.h"
-#if __has_include("TavCalendarSettingsDialog.h")
-#define TAV_HAVE_SETTINGS_DIALOG 1
 #include "TavCalendarSettingsDialog.h"
-#endif
 #include "TavCalendarDialog.h"
 
 /* The window's pannable areas, in order: the agenda's is the second, the
