@@ -160,6 +160,28 @@ static void close_topmost (TavCalendarWindow *window)
     flush ();
 }
 
+/* Answers the confirmation note that the window runs (modally) with @data. */
+static gboolean answer_note (gpointer data)
+{
+    GList *toplevels = gtk_window_list_toplevels (), *l;
+    for (l = toplevels; l; l = l->next)
+        if (strcmp (G_OBJECT_TYPE_NAME (l->data), "KivoNote") == 0 && gtk_widget_get_visible (l->data))
+            gtk_dialog_response (GTK_DIALOG (l->data), GPOINTER_TO_INT (data));
+    g_list_free (toplevels);
+    return FALSE;
+}
+
+static TavDateSelectionWindow *date_picker (void)
+{
+    GList *toplevels = gtk_window_list_toplevels (), *l;
+    TavDateSelectionWindow *found = NULL;
+    for (l = toplevels; l; l = l->next)
+        if (TAV_IS_DATE_SELECTION_WINDOW (l->data))
+            found = l->data;
+    g_list_free (toplevels);
+    return found;
+}
+
 int main (int argc, char **argv)
 {
     TavCalendarWindow *window;
@@ -308,6 +330,91 @@ int main (int argc, char **argv)
         CHECK (tav_calendar_window_task_view_active (window), "task view current");
         close_topmost (window);
         CHECK (tav_calendar_window_month_view_active (window), "month current after the tasks");
+    }
+
+    /* The event view steps through the list it was given; the menu follows. */
+    {
+        TavCalendarEntry *first = make_event ("First", 2028, 10, 14, 8);
+        TavCalendarEntry *last = make_event ("Last", 2028, 10, 14, 18);
+        GList *list = g_list_append (g_list_append (g_list_append (NULL, first), meeting), last);
+        TavEventView *view = TAV_EVENT_VIEW (window->event_view);
+        TavTimestamp at;
+        gboolean has_prev = FALSE, has_next = FALSE;
+        TavDate occurrence = { 2028, 10, 21 };
+        tav_event_view_set_entry_list (view, list);
+        tav_event_view_set_entry (view, meeting, &occurrence);
+        tav_calendar_window_show_event_view (window);
+        g_object_get (view, "has-previous", &has_prev, "has-next", &has_next, NULL);
+        CHECK (has_prev && has_next, "the middle entry has both neighbours");
+        CHECK (item_visible ("Previous event") && item_visible ("Next event") && item_visible ("Delete event"),
+               "event menu complete");
+        CHECK (tav_event_view_get_activated_timestamp (view, &at) && at.date.day == 21 && at.time.hour == 10,
+               "the occurrence opened: %d at %d", at.date.day, at.time.hour);
+        g_signal_emit_by_name (view, "next-entry-activated");
+        CHECK (tav_event_view_get_entry (view) == last, "stepped to the last entry");
+        CHECK (!item_visible ("Next event") && item_visible ("Previous event"), "no next item at the end");
+        tav_calendar_window_remove_entry (window, last);
+        CHECK (tav_event_view_get_entry (view) == NULL, "a removed entry leaves the event view");
+        CHECK (!item_visible ("Delete event"), "nothing to delete in an empty event view");
+        close_topmost (window);
+        tav_event_view_set_entry_list (view, NULL);
+        g_list_free (list);
+        g_object_unref (first);
+        g_object_unref (last);
+    }
+
+    /* Removal asks first; a refusal and a failing calendar both keep it. */
+    {
+        TavCalendarSource *source = tav_calendar_source_new ();
+        g_object_set (meeting, "source", source, NULL);
+        g_timeout_add (300, answer_note, GINT_TO_POINTER (GTK_RESPONSE_CANCEL));
+        g_signal_emit_by_name (window, "remove-event-activated", meeting, &result);
+        CHECK (!result && count_on_day (window, 2028, 10, 14, meeting) == 1, "cancelled: still shown");
+        g_timeout_add (300, answer_note, GINT_TO_POINTER (GTK_RESPONSE_OK));
+        g_signal_emit_by_name (window, "remove-event-activated", meeting, &result);
+        CHECK (!result && count_on_day (window, 2028, 10, 14, meeting) == 1, "a failed deletion keeps the entry");
+        g_object_set (meeting, "source", NULL, NULL);
+        g_object_unref (source);
+    }
+
+    /* Jump to: a picker in the current view's mode moves that view. */
+    {
+        TavDateSelectionWindow *picker;
+        TavDate chosen = { 2030, 4, 10 };
+        int mode = -1;
+        g_signal_emit_by_name (window, "jump-to-activated", &result);
+        picker = date_picker ();
+        CHECK (picker != NULL, "jump-to opened the date picker");
+        if (picker) {
+            g_object_get (picker, "mode", &mode, NULL);
+            CHECK (mode == TavDateSelectionWindowModeMonth, "month mode with the month view");
+            tav_date_selection_window_set_date (picker, &chosen);
+            CHECK (tav_date_selection_window_get_year (picker) == 2030, "year column");
+            tav_date_selection_window_activate (picker);
+        }
+        g_object_get (window->month_view, "month", &month, "year", &year, NULL);
+        CHECK (month == 4 && year == 2030, "jumped to %d/%d", month + 1, year);
+        CHECK (date_picker () == NULL, "the picker closes after the choice");
+
+        tav_calendar_window_activate_week_view (window);
+        g_signal_emit_by_name (window, "jump-to-activated", &result);
+        picker = date_picker ();
+        if (picker) {
+            chosen = (TavDate) { 2031, 0, 1 };
+            g_object_get (picker, "mode", &mode, NULL);
+            CHECK (mode == TavDateSelectionWindowModeWeek, "week mode with the week view");
+            tav_date_selection_window_set_date (picker, &chosen);
+            tav_date_selection_window_activate (picker);
+        }
+        shown_week (window, &week);
+        CHECK (tav_date_interval_contains (&week, &chosen), "the week of 1 January 2031, not %d-%d-%d",
+               week.start.year, week.start.month + 1, week.start.day);
+        g_signal_emit_by_name (window, "jump-to-today-activated", &result);
+        tav_date_init_today (&date);
+        shown_week (window, &week);
+        CHECK (tav_date_interval_contains (&week, &date), "today's week");
+        tav_calendar_window_activate_month_view (window);
+        tav_calendar_select_month (TAV_CALENDAR (window->month_view), 10, 2028);
     }
 
     /* A careless host answering twice shows nothing twice. */
