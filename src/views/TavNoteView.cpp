@@ -112,7 +112,9 @@ static gboolean note_view_empty_check_cb (gpointer data)
 static gboolean tav_note_view_button_press (GtkWidget *widget, GdkEventButton *event)
 {
     TavNoteViewPrivate *priv = TAV_NOTE_VIEW (widget)->priv;
-    g_clear_pointer (&priv->press_path, gtk_tree_path_free);
+    /* A quick second tap also brings a double-click event: it is no new press. */
+    if (event->type == GDK_BUTTON_PRESS)
+        g_clear_pointer (&priv->press_path, gtk_tree_path_free);
     GtkTreeViewColumn *column = nullptr;
     if (event->type == GDK_BUTTON_PRESS && event->button == 1)
         row_at (GTK_TREE_VIEW (widget), event, &priv->press_path, &column);
@@ -126,8 +128,12 @@ static gboolean tav_note_view_button_release (GtkWidget *widget, GdkEventButton 
     const gboolean handled = GTK_WIDGET_CLASS (tav_note_view_parent_class)->button_release_event (widget, event);
     GtkTreePath *pressed = priv->press_path;
     priv->press_path = nullptr;
-    if (!pressed || event->button != 1)
+    /* Only a tap that starts and ends on one row counts. */
+    if (!pressed || event->button != 1) {
+        if (pressed)
+            gtk_tree_path_free (pressed);
         return handled;
+    }
     GtkTreePath *path = nullptr;
     GtkTreeViewColumn *column = nullptr;
     GtkTreeIter iter;

@@ -50,7 +50,9 @@ struct _TavTaskViewPrivate {
     bool show_no_entries = false;
     GtkWidget *menu = nullptr;
     tav::GRefPtr<TavCalendarTask> task_for_csm;
-    /* The row a press started on, so that only a tap on one row counts. */
+    /* The row a press started on (NULL: below the rows), so that only a
+     * tap on one row counts. */
+    bool pressed = false;
     GtkTreePath *press_path = nullptr;
 };
 
@@ -204,11 +206,13 @@ static gboolean tav_task_view_button_press (GtkWidget *widget, GdkEventButton *e
 {
     TavTaskView *taskview = TAV_TASK_VIEW (widget);
     TavTaskViewPrivate *priv = taskview->priv;
-    g_clear_pointer (&priv->press_path, gtk_tree_path_free);
-    if (event->type == GDK_BUTTON_PRESS && event->button == 1) {
+    /* A quick second tap also brings a double-click event: it is no new press. */
+    if (event->type == GDK_BUTTON_PRESS) {
+        g_clear_pointer (&priv->press_path, gtk_tree_path_free);
+        priv->pressed = event->button == 1;
         GtkTreeViewColumn *column = nullptr;
-        if (!row_at (GTK_TREE_VIEW (taskview), event, &priv->press_path, &column))
-            priv->press_path = gtk_tree_path_new_from_indices (-1, -1);
+        if (priv->pressed)
+            row_at (GTK_TREE_VIEW (taskview), event, &priv->press_path, &column);
     }
     return GTK_WIDGET_CLASS (tav_task_view_parent_class)->button_press_event (widget, event);
 }
@@ -219,15 +223,18 @@ static gboolean tav_task_view_button_release (GtkWidget *widget, GdkEventButton 
     TavTaskViewPrivate *priv = taskview->priv;
     const gboolean handled = GTK_WIDGET_CLASS (tav_task_view_parent_class)->button_release_event (widget, event);
     GtkTreePath *pressed = priv->press_path;
+    const bool was_pressed = priv->pressed;
     priv->press_path = nullptr;
-    if (!pressed || event->button != 1)
+    priv->pressed = false;
+    if (!was_pressed || event->button != 1)
         return handled;
     GtkTreePath *path = nullptr;
     GtkTreeViewColumn *column = nullptr;
     const bool on_row = row_at (GTK_TREE_VIEW (taskview), event, &path, &column);
-    const bool same = on_row ? gtk_tree_path_compare (path, pressed) == 0
-                             : gtk_tree_path_get_depth (pressed) == 2;
-    gtk_tree_path_free (pressed);
+    /* A tap starts and ends on one row, or both below the rows. */
+    const bool same = on_row ? pressed && gtk_tree_path_compare (path, pressed) == 0 : !pressed;
+    if (pressed)
+        gtk_tree_path_free (pressed);
     if (!same || !column) {
         gtk_tree_path_free (path);
         return handled;
@@ -299,6 +306,7 @@ static void on_tap_and_hold_cb (GtkWidget *widget, gpointer)
         return;
     /* The hold is not a tap. */
     g_clear_pointer (&priv->press_path, gtk_tree_path_free);
+    priv->pressed = false;
     gtk_menu_popup (GTK_MENU (_tav_task_view_get_context_menu (taskview)), nullptr, nullptr, nullptr, nullptr, 1,
                     gtk_get_current_event_time ());
 }
