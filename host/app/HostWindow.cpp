@@ -118,6 +118,16 @@ void on_entry_activated_cb (GtkWidget *, TavCalendarEntry *entry, const TavDate 
     }
 }
 
+/* Left and right in the day window step the day. */
+void on_day_key_pressed_cb (TavDayView *view, guint keyval, gpointer)
+{
+    if (keyval == GDK_Left || keyval == GDK_KP_Left) {
+        tav_day_view_select_previous_day (view);
+    } else if (keyval == GDK_Right || keyval == GDK_KP_Right) {
+        tav_day_view_select_next_day (view);
+    }
+}
+
 /* A new event starts at the next full hour on today, at 9:00 on other days. */
 TavTime default_start (const TavDate &date)
 {
@@ -217,6 +227,7 @@ void App::build ()
         }
     }
     g_signal_connect (window->week_view, "insert-activated", G_CALLBACK (on_week_insert_cb), this);
+    g_signal_connect (window->day_view, "key-pressed", G_CALLBACK (on_day_key_pressed_cb), nullptr);
     for (GtkWidget *view : {window->agenda_view, window->day_view}) {
         if (view) {
             g_signal_connect (view, "insert-activated", G_CALLBACK (on_list_insert_cb), this);

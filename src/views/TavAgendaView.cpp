@@ -70,6 +70,7 @@ struct AgendaOps {
     static Row *row (List *l, int n) { return agenda_entry_list_get_agenda_entry (l, n); }
     static int find_entry (List *l, TavCalendarEntry *e) { return agenda_entry_list_find_entry (l, e); }
     static int find_header (List *l, const TavDate *d) { return agenda_entry_list_find_header (l, d); }
+    static bool has_header (List *l, const TavDate *d) { return agenda_entry_list_has_header (l, d); }
     static int find_no_entries (List *l) { return agenda_entry_list_find_no_entry_header (l); }
     static void remove (List *l, int n) { agenda_entry_list_remove (l, n); }
     static void remove_empty_headers (List *l) { agenda_entry_list_remove_headers_if_empty (l); }
@@ -163,9 +164,7 @@ static void tav_agenda_view_set_property (GObject *object, guint prop_id, const 
         break;
     }
     case PROP_TIME_24HR_FORMAT:
-        agenda_view->priv->time_24hr = g_value_get_boolean (value);
-        /* The shown times follow at the next read. */
-        Impl::invalidate (agenda_view);
+        Impl::set_time_24hr (agenda_view, g_value_get_boolean (value));
         break;
     default:
         G_OBJECT_WARN_INVALID_PROPERTY_ID (object, prop_id, pspec);
@@ -441,4 +440,9 @@ GtkWidget *_tav_agenda_view_get_context_menu (TavAgendaView *agenda_view)
 int _tav_agenda_view_get_n_paints (TavAgendaView *agenda_view)
 {
     return agenda_view->priv->n_paints;
+}
+
+int _tav_agenda_view_get_highlight (TavAgendaView *agenda_view)
+{
+    return agenda_view->priv->highlight;
 }

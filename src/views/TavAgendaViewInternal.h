@@ -21,6 +21,7 @@ AgendaEntryList *_tav_agenda_view_get_list        (TavAgendaView *agenda_view);
 GtkAdjustment   *_tav_agenda_view_get_vadjustment (TavAgendaView *agenda_view);
 GtkWidget       *_tav_agenda_view_get_context_menu (TavAgendaView *agenda_view);
 int              _tav_agenda_view_get_n_paints    (TavAgendaView *agenda_view);
+int              _tav_agenda_view_get_highlight   (TavAgendaView *agenda_view);
 
 G_END_DECLS
 

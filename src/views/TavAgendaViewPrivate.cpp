@@ -17,6 +17,10 @@ template <> struct RowTraits<AgendaEntry> {
     static TavCalendarProcessor *processor;
 };
 TavCalendarProcessor *RowTraits<AgendaEntry>::processor = nullptr;
+template <> inline bool is_no_entries_row (const AgendaEntry *r)
+{
+    return !r->entry && !r->is_button && r->start_time.hour == kNoEntriesHour;
+}
 } // namespace tav::rows
 
 #define CHECK_LIST(list) ROWS_ASSERT ((list) != NULL, "entry_list != NULL")
@@ -27,18 +31,27 @@ TavCalendarProcessor *RowTraits<AgendaEntry>::processor = nullptr;
 
 namespace {
 
-using Pending = std::vector<AgendaEntry *>;
+/* The list's C++ side: rows not yet in order, and the lookup index. */
+struct Side {
+    std::vector<AgendaEntry *> pending;
+    RowIndex index;
+};
 
-Pending &pending_of (AgendaEntryList *list)
+Side &side_of (AgendaEntryList *list)
 {
-    return *static_cast<Pending *> (list->pending);
+    return *static_cast<Side *> (list->pending);
+}
+
+std::vector<AgendaEntry *> &pending_of (AgendaEntryList *list)
+{
+    return side_of (list).pending;
 }
 
 /* Puts the rows added since the last read into their places, rebuilding
  * the array and the list once for the whole batch. */
 void settle (AgendaEntryList *list)
 {
-    Pending &pending = pending_of (list);
+    auto &pending = pending_of (list);
     if (pending.empty ())
         return;
     std::vector<AgendaEntry *> rows (reinterpret_cast<AgendaEntry **> (list->entries->pdata),
@@ -169,14 +182,14 @@ AgendaEntryList *agenda_entry_list_new (void)
 {
     AgendaEntryList *list = g_new0 (AgendaEntryList, 1);
     list->entries = g_ptr_array_sized_new (128);
-    list->pending = new Pending ();
+    list->pending = new Side ();
     return list;
 }
 
 void agenda_entry_list_drop_all_entries (AgendaEntryList *list)
 {
     CHECK_LIST (list);
-    Pending &pending = pending_of (list);
+    auto &pending = pending_of (list);
     if (list->entries->len == 0 && pending.empty ())
         return;
     for (guint i = 0; i < list->entries->len; i++)
@@ -184,6 +197,7 @@ void agenda_entry_list_drop_all_entries (AgendaEntryList *list)
     for (AgendaEntry *r : pending)
         free_row (r);
     pending.clear ();
+    side_of (list).index.clear ();
     g_list_free (list->sorted);
     list->sorted = nullptr;
     g_ptr_array_set_size (list->entries, 0);
@@ -197,7 +211,7 @@ void agenda_entry_list_free (AgendaEntryList *list)
     agenda_entry_list_drop_all_entries (list);
     g_ptr_array_free (list->entries, TRUE);
     free_caches (list);
-    delete static_cast<Pending *> (list->pending);
+    delete &side_of (list);
     g_free (list);
 }
 
@@ -206,6 +220,7 @@ void agenda_entry_list_add_agenda_entry (AgendaEntryList *list, AgendaEntry *aen
     CHECK_LIST (list);
     CHECK_ROW (aentry);
     pending_of (list).push_back (aentry);
+    side_of (list).index.count (aentry, +1);
     list->needs_offsets = TRUE;
     list->needs_details = FALSE;
 }
@@ -217,6 +232,7 @@ void agenda_entry_list_remove (AgendaEntryList *list, int n)
     CHECK_INDEX (list, n);
     AgendaEntry *aentry = static_cast<AgendaEntry *> (g_ptr_array_remove_index (list->entries, static_cast<guint> (n)));
     list->sorted = g_list_remove (list->sorted, aentry);
+    side_of (list).index.count (aentry, -1);
     free_row (aentry);
     list->needs_offsets = TRUE;
 }
@@ -257,8 +273,14 @@ AgendaEntry *agenda_entry_list_get_agenda_entry (AgendaEntryList *list, int n)
 gboolean agenda_entry_list_get_entries_count (AgendaEntryList *list)
 {
     CHECK_LIST (list);
-    settle (list);
-    return count_entries<AgendaEntry> (list->entries) > 0;
+    return side_of (list).index.entries > 0;
+}
+
+gboolean agenda_entry_list_has_header (AgendaEntryList *list, const TavDate *date)
+{
+    CHECK_LIST (list);
+    ROWS_ASSERT (date != NULL, "date != NULL");
+    return side_of (list).index.has_header (*date);
 }
 
 int agenda_entry_list_find_entry (AgendaEntryList *list, TavCalendarEntry *entry)
@@ -280,6 +302,8 @@ int agenda_entry_list_find_header (AgendaEntryList *list, const TavDate *date)
 int agenda_entry_list_find_no_entry_header (AgendaEntryList *list)
 {
     CHECK_LIST (list);
+    if (side_of (list).index.no_entries == 0)
+        return -1;
     settle (list);
     for (guint i = 0; i < list->entries->len; i++) {
         AgendaEntry *r = static_cast<AgendaEntry *> (g_ptr_array_index (list->entries, i));

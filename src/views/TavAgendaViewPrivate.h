@@ -114,6 +114,8 @@ void         agenda_entry_list_get_headers      (AgendaEntryList *list, int y, i
                                                  int *header_after);
 void         agenda_entry_list_set_visible_width (AgendaEntryList *list, int width);
 void         agenda_entry_list_set_offset       (AgendaEntryList *list, int x, int y);
+/* Whether a header (the no-events one included) stands for @date; O(1). */
+gboolean     agenda_entry_list_has_header (AgendaEntryList *list, const TavDate *date);
 /* The first row whose relative rectangle holds @y (top and bottom edges
  * included), or -1; a binary search over the offsets. */
 int          agenda_entry_list_row_at           (AgendaEntryList *list, int y);

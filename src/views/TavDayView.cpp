@@ -68,6 +68,7 @@ struct DayOps {
     static Row *row (List *l, int n) { return day_entry_list_get_day_entry (l, n); }
     static int find_entry (List *l, TavCalendarEntry *e) { return day_entry_list_find_entry (l, e); }
     static int find_header (List *l, const TavDate *d) { return day_entry_list_find_header (l, d); }
+    static bool has_header (List *l, const TavDate *d) { return day_entry_list_has_header (l, d); }
     static int find_no_entries (List *l) { return day_entry_list_find_no_entry_header (l); }
     static void remove (List *l, int n) { day_entry_list_remove (l, n); }
     static void remove_empty_headers (List *l) { day_entry_list_remove_headers_if_empty (l); }
@@ -151,9 +152,7 @@ static void tav_day_view_set_property (GObject *object, guint prop_id, const GVa
         break;
     }
     case PROP_TIME_24HR_FORMAT:
-        day_view->priv->time_24hr = g_value_get_boolean (value);
-        /* The shown times follow at the next read. */
-        Impl::invalidate (day_view);
+        Impl::set_time_24hr (day_view, g_value_get_boolean (value));
         break;
     default:
         G_OBJECT_WARN_INVALID_PROPERTY_ID (object, prop_id, pspec);

@@ -17,6 +17,10 @@ template <> struct RowTraits<DayEntry> {
     static TavCalendarProcessor *processor;
 };
 TavCalendarProcessor *RowTraits<DayEntry>::processor = nullptr;
+template <> inline bool is_no_entries_row (const DayEntry *r)
+{
+    return !r->entry && !r->is_button && r->is_no_entries;
+}
 } // namespace tav::rows
 
 #define CHECK_LIST(list) ROWS_ASSERT ((list) != NULL, "entry_list != NULL")
@@ -26,6 +30,11 @@ TavCalendarProcessor *RowTraits<DayEntry>::processor = nullptr;
     ROWS_ASSERT ((n) >= 0 && static_cast<guint> (n) < (list)->entries->len, "n >= 0 && n < entry_list->entries->len")
 
 namespace {
+
+RowIndex &index_of (DayEntryList *list)
+{
+    return *static_cast<RowIndex *> (list->index);
+}
 
 void ensure_offsets (DayEntryList *list)
 {
@@ -139,6 +148,7 @@ DayEntryList *day_entry_list_new (void)
 {
     DayEntryList *list = g_new0 (DayEntryList, 1);
     list->entries = g_ptr_array_sized_new (2);
+    list->index = new RowIndex ();
     return list;
 }
 
@@ -150,6 +160,7 @@ void day_entry_list_drop_all_entries (DayEntryList *list)
     for (guint i = 0; i < list->entries->len; i++)
         free_row (static_cast<DayEntry *> (g_ptr_array_index (list->entries, i)));
     g_ptr_array_set_size (list->entries, 0);
+    index_of (list).clear ();
     list->needs_offsets = FALSE;
     list->needs_sort = FALSE;
 }
@@ -160,6 +171,7 @@ void day_entry_list_free (DayEntryList *list)
     day_entry_list_drop_all_entries (list);
     g_ptr_array_free (list->entries, TRUE);
     free_caches (list);
+    delete &index_of (list);
     g_free (list);
 }
 
@@ -168,6 +180,7 @@ void day_entry_list_add_day_entry (DayEntryList *list, DayEntry *dentry)
     CHECK_LIST (list);
     CHECK_ROW (dentry);
     g_ptr_array_add (list->entries, dentry);
+    index_of (list).count (dentry, +1);
     list->needs_sort = TRUE;
     list->needs_offsets = TRUE;
 }
@@ -176,7 +189,9 @@ void day_entry_list_remove (DayEntryList *list, int n)
 {
     CHECK_LIST (list);
     CHECK_INDEX (list, n);
-    free_row (static_cast<DayEntry *> (g_ptr_array_remove_index (list->entries, static_cast<guint> (n))));
+    DayEntry *dentry = static_cast<DayEntry *> (g_ptr_array_remove_index (list->entries, static_cast<guint> (n)));
+    index_of (list).count (dentry, -1);
+    free_row (dentry);
     list->needs_offsets = TRUE;
 }
 
@@ -213,7 +228,14 @@ DayEntry *day_entry_list_get_day_entry (DayEntryList *list, int n)
 int day_entry_list_get_entries_count (DayEntryList *list)
 {
     CHECK_LIST (list);
-    return count_entries<DayEntry> (list->entries);
+    return index_of (list).entries;
+}
+
+gboolean day_entry_list_has_header (DayEntryList *list, const TavDate *date)
+{
+    CHECK_LIST (list);
+    ROWS_ASSERT (date != NULL, "date != NULL");
+    return index_of (list).has_header (*date);
 }
 
 int day_entry_list_find_entry (DayEntryList *list, TavCalendarEntry *entry)
@@ -233,6 +255,8 @@ int day_entry_list_find_header (DayEntryList *list, const TavDate *date)
 int day_entry_list_find_no_entry_header (DayEntryList *list)
 {
     CHECK_LIST (list);
+    if (index_of (list).no_entries == 0)
+        return -1;
     for (guint i = 0; i < list->entries->len; i++) {
         DayEntry *r = static_cast<DayEntry *> (g_ptr_array_index (list->entries, i));
         if (is_header (r) && r->is_no_entries)

@@ -71,6 +71,8 @@ struct _DayEntryList {
     GdkPixbuf *color_icons[10];
     gchar *detail_images[5];
     GdkPixmap *detail_pixmaps[5];
+    /*< private >*/
+    gpointer index;              /* lookups kept while rows come and go */
 };
 
 DayEntry *day_entry_new                   (DayEntryList *list, TavCalendarEntry *entry,
@@ -109,6 +111,8 @@ void         day_entry_list_get_headers      (DayEntryList *list, int y, int *he
                                                  int *header_after);
 void         day_entry_list_set_visible_width (DayEntryList *list, int width);
 void         day_entry_list_set_offset       (DayEntryList *list, int x, int y);
+/* Whether a header (the no-events one included) stands for @date; O(1). */
+gboolean     day_entry_list_has_header (DayEntryList *list, const TavDate *date);
 /* The first row whose relative rectangle holds @y, or -1 (binary search). */
 int          day_entry_list_row_at           (DayEntryList *list, int y);
 

@@ -65,7 +65,6 @@ template <class Row> struct ViewState {
     GRefPtr<GdkPixmap> background;
     GRefPtr<GtkAdjustment> vadjustment;
     gulong value_changed_id = 0;
-    gulong changed_id = 0;
     void *entry_list = nullptr;
     TavDateInterval presented_interval {};
     bool presented_interval_set = false;
@@ -86,13 +85,17 @@ template <class Row> struct ViewState {
     int n_paints = 0;
 };
 
-/* The view code over Ops, which provides:
- *   Row, List, View; state (View *), list_of (View *), signals[];
- *   the list functions (add, sort, n_rows, row, find_entry, find_header,
- *   find_no_entries, remove, remove_empty_headers, drop_all, height,
- *   rect_relative, row_at, headers, set_offset, set_width, entries_count);
- *   no_entries_date (View *, TavDate *), mark_no_entries (Row *),
- *   button_has_header, names used in log lines. */
+/* The view code over Ops (AgendaOps in TavAgendaView.cpp, DayOps in
+ * TavDayView.cpp), which provides:
+ *   Row, List, View; state (View *), cast (TavCalendarView *), signals[];
+ *   the list functions (row_new, refresh_times, add, sort, n_rows, row,
+ *   find_entry, find_header, has_header, find_no_entries, remove,
+ *   remove_empty_headers, drop_all, height, rect, rect_abs, row_at,
+ *   headers, set_offset, offset_y, set_width, entries_count, bg_pixmap);
+ *   where the no-events line and the button stand (no_entries_date,
+ *   button_date, mark_no_entries, kButtonHasHeader, append_insert_button);
+ *   other_key for the keys the list does not use; the names its log lines
+ *   and checks carry. */
 template <class Ops> struct ListView {
     using Row = typename Ops::Row;
     using List = typename Ops::List;
@@ -219,7 +222,7 @@ template <class Ops> struct ListView {
     static void append_header_for_row (View *view, Row *r)
     {
         List *l = list (view);
-        if (Ops::find_header (l, &r->date) >= 0 || !tav_date_is_valid (&r->date))
+        if (Ops::has_header (l, &r->date) || !tav_date_is_valid (&r->date))
             return;
         const int weekday = tav_calendar_processor_date_to_day_of_week (processor (view), &r->date);
         GCharPtr text (tav_date_to_string_format (&r->date, TavDateLongFormat, weekday));
@@ -233,6 +236,27 @@ template <class Ops> struct ListView {
             title.reset (g_markup_escape_text (text.get (), -1));
         }
         Ops::add (l, new_header<Row> (title.get (), &r->date));
+        if (!Ops::kButtonHasHeader)
+            button_after_header (view, &r->date);
+    }
+
+    /* A header and the button of its date compare equal in the day list,
+     * whose sort keeps arrival order: the button goes in again after the
+     * header, so that the day reads header, "+", entries. */
+    static void button_after_header (View *view, const TavDate *date)
+    {
+        List *l = list (view);
+        for (int i = 0; i < Ops::n_rows (l); i++) {
+            Row *b = Ops::row (l, i);
+            if (!b->is_button || tav_date_compare (&b->date, date) != 0)
+                continue;
+            Row *again = new_button<Row> (b->title, st (view)->theme.icon_new.c_str (), date);
+            if (st (view)->highlighted == b)
+                remove_highlight (view);
+            Ops::remove (l, i);
+            Ops::add (l, again);
+            return;
+        }
     }
 
     static void append_no_entries_label (View *view, const char *title)
@@ -281,13 +305,13 @@ template <class Ops> struct ListView {
         View *view = Ops::cast (cview);
         ViewState<Row> *s = st (view);
         g_return_val_if_fail (stamp != NULL, FALSE);
-        g_return_val_if_fail (TAV_IS_CALENDAR_ENTRY (entry), FALSE);
-        if (s->disposed)
-            return FALSE;
         if (TAV_IS_CALENDAR_NOTE (entry)) {
             TAV_WARNING ("%s", Ops::kNoNotes);
             return FALSE;
         }
+        g_return_val_if_fail (TAV_IS_CALENDAR_ENTRY (entry), FALSE);
+        if (s->disposed)
+            return FALSE;
         List *l = list (view);
         if (TAV_IS_CALENDAR_TASK (entry)) {
             Row *r = Ops::row_new (l, entry, s->theme.icon_todo.c_str (), time_format (view));
@@ -814,8 +838,9 @@ template <class Ops> struct ListView {
             p.is_birthday = !p.is_task && has_bday (r->entry);
             if (TAV_IS_CALENDAR_ENTRY (r->entry)) {
                 int color = 0;
-                gboolean done = FALSE;
-                g_object_get (r->entry, "color", &color, NULL);
+                gboolean done = FALSE, alarm = FALSE;
+                g_object_get (r->entry, "color", &color, "has-alarm", &alarm, NULL);
+                p.alarm = alarm;
                 if (p.is_task)
                     g_object_get (r->entry, "done", &done, NULL);
                 p.color = color;
@@ -878,8 +903,8 @@ template <class Ops> struct ListView {
             if (after >= 0) {
                 GdkRectangle next;
                 Ops::rect (l, after, &next);
-                if (next.y < kHeaderHeight && next.y > 0)
-                    y = next.y - kHeaderHeight;
+                if (next.y < kPinnedHeight && next.y > 0)
+                    y = next.y - kPinnedHeight;
             }
             rect.y = y;
             Row *r = Ops::row (l, before);
@@ -936,6 +961,24 @@ template <class Ops> struct ListView {
             Ops::list_free (list (view));
             s->entry_list = nullptr;
         }
+    }
+
+    /* The clock changed: every time column is written again. */
+    static void set_time_24hr (View *view, bool on)
+    {
+        ViewState<Row> *s = st (view);
+        if (s->time_24hr == on || s->disposed) {
+            s->time_24hr = on;
+            return;
+        }
+        s->time_24hr = on;
+        List *l = list (view);
+        for (int i = 0; i < Ops::n_rows (l); i++) {
+            Row *r = Ops::row (l, i);
+            if (r->entry && !r->type_icon && !TAV_IS_CALENDAR_TASK (r->entry) && !has_bday (r->entry))
+                Ops::refresh_times (r, time_format (view), !r->multi_days);
+        }
+        invalidate (view);
     }
 
     /* Presented interval: years 1970 to 2037 only. */

@@ -38,6 +38,7 @@ constexpr Rgb kPressed { 0.118, 0.533, 0.898 };    /* accent blue */
 constexpr Rgb kAccent { 0.118, 0.533, 0.898 };
 constexpr int kRowHeight = 70;
 constexpr int kHeaderHeight = 40;
+constexpr int kPinnedHeight = 34;
 constexpr int kRadius = 10;
 constexpr int kTimeColumn = 96;
 
@@ -79,10 +80,17 @@ int text_line (cairo_t *cr, const PangoFontDescription *font, const char *text, 
         return 0;
     GRefPtr<PangoLayout> layout = adoptGRef (pango_cairo_create_layout (cr));
     pango_layout_set_font_description (layout.get (), font);
-    if (markup)
+    /* Text from outside (a header title handed to the view) may be broken
+     * markup or invalid UTF-8: show it as repaired plain text. */
+    const bool valid = g_utf8_validate (text, -1, NULL);
+    if (markup && valid && pango_parse_markup (text, -1, 0, NULL, NULL, NULL, NULL)) {
         pango_layout_set_markup (layout.get (), text, -1);
-    else
+    } else if (valid) {
         pango_layout_set_text (layout.get (), text, -1);
+    } else {
+        GCharPtr repaired (g_utf8_make_valid (text, -1));
+        pango_layout_set_text (layout.get (), repaired.get (), -1);
+    }
     pango_layout_set_single_paragraph_mode (layout.get (), TRUE);
     pango_layout_set_ellipsize (layout.get (), PANGO_ELLIPSIZE_END);
     pango_layout_set_width (layout.get (), std::max (1, width) * PANGO_SCALE);
@@ -309,7 +317,11 @@ static void paint_header_text (GtkWidget *widget, cairo_t *cr, const Theme &them
         /* Today's header on an accent pill. */
         GRefPtr<PangoLayout> layout = adoptGRef (pango_cairo_create_layout (cr));
         pango_layout_set_font_description (layout.get (), font.get ());
-        pango_layout_set_markup (layout.get (), row.title ? row.title : "", -1);
+        const char *title = row.title ? row.title : "";
+        if (g_utf8_validate (title, -1, NULL) && pango_parse_markup (title, -1, 0, NULL, NULL, NULL, NULL))
+            pango_layout_set_markup (layout.get (), title, -1);
+        else
+            pango_layout_set_text (layout.get (), "", -1);
         int w = 0, th = 0;
         pango_layout_get_pixel_size (layout.get (), &w, &th);
         set_source (cr, kAccent);
@@ -339,8 +351,10 @@ void paint_row (GtkWidget *widget, cairo_t *cr, const Theme &theme, const PaintR
         return;
     }
     case PaintRow::Button: {
-        /* A dashed outline card with a round "+" and the label. */
-        const double y = r.y + 4, h = r.height - 10;
+        /* A dashed outline strip with a round "+" and the label, in the
+         * lower part of the row: a jump to the date leaves the row's top
+         * under the pinned header, and the strip shows whole below it. */
+        const double y = r.y + kPinnedHeight + 3, h = r.height - kPinnedHeight - 5;
         views::rounded_rectangle (cr, r.x + 1, y, r.width - 2, h, kRadius, kRadius);
         set_source (cr, row.pressed ? kPressed : kCard, row.pressed ? 1.0 : 0.5);
         cairo_fill_preserve (cr);
@@ -357,11 +371,11 @@ void paint_row (GtkWidget *widget, cairo_t *cr, const Theme &theme, const PaintR
             cairo_paint (cr);
         } else {
             set_source (cr, row.pressed ? Rgb { 1, 1, 1 } : kAccent);
-            cairo_arc (cr, cx, cy, 16, 0, 2 * M_PI);
+            cairo_arc (cr, cx, cy, 12, 0, 2 * M_PI);
             cairo_fill (cr);
             set_source (cr, row.pressed ? kAccent : Rgb { 1, 1, 1 });
-            cairo_rectangle (cr, cx - 8, cy - 1.5, 16, 3);
-            cairo_rectangle (cr, cx - 1.5, cy - 8, 3, 16);
+            cairo_rectangle (cr, cx - 7, cy - 1.5, 14, 3);
+            cairo_rectangle (cr, cx - 1.5, cy - 7, 3, 14);
             cairo_fill (cr);
         }
         auto font = font_of (theme.font_title, 0.75);
@@ -411,7 +425,7 @@ void paint_row (GtkWidget *widget, cairo_t *cr, const Theme &theme, const PaintR
 
     /* Title over location and description. */
     const double x = r.x + kTimeColumn;
-    const int width = r.width - kTimeColumn - 12;
+    const int width = r.width - kTimeColumn - (row.alarm ? 40 : 12);
     auto title_font = font_of (theme.font_title, 0.8);
     auto small_font = font_of (theme.font_location, 0.85);
     std::string detail;
@@ -431,6 +445,19 @@ void paint_row (GtkWidget *widget, cairo_t *cr, const Theme &theme, const PaintR
         cairo_rectangle (cr, x, y + h1 / 2.0, std::min (width, 160), 1.2);
         cairo_fill (cr);
     }
+    if (row.alarm) {
+        /* A small bell at the card's right edge. */
+        const double bx = r.x + r.width - 24, by = r.y + 16;
+        cairo_set_source_rgba (cr, location_color.r, location_color.g, location_color.b, 0.9);
+        cairo_move_to (cr, bx - 6, by + 8);
+        cairo_curve_to (cr, bx - 6, by - 4, bx + 6, by - 4, bx + 6, by + 8);
+        cairo_close_path (cr);
+        cairo_fill (cr);
+        cairo_rectangle (cr, bx - 7.5, by + 7, 15, 2);
+        cairo_fill (cr);
+        cairo_arc (cr, bx, by + 11, 2, 0, 2 * M_PI);
+        cairo_fill (cr);
+    }
     if (!detail.empty ())
         text_line (cr, small_font.get (), detail.c_str (), false,
                    (row.location && *row.location) ? location_color : description_color, x, y + h1, width);
@@ -439,14 +466,16 @@ void paint_row (GtkWidget *widget, cairo_t *cr, const Theme &theme, const PaintR
 void paint_pinned_header (GtkWidget *widget, cairo_t *cr, const Theme &theme, const PaintRow &row, int width)
 {
     cairo_save (cr);
-    GdkRectangle band = { 0, row.rect.y, width, kHeaderHeight };
+    GdkRectangle band = { 0, row.rect.y, width, kPinnedHeight };
     cairo_rectangle (cr, band.x, band.y, band.width, band.height);
     set_source (cr, kPage, 0.96);
     cairo_fill (cr);
     cairo_rectangle (cr, 0, band.y + band.height - 1, width, 1);
     set_source (cr, kCardLine);
     cairo_fill (cr);
-    paint_header_text (widget, cr, theme, row);
+    PaintRow pinned = row;
+    pinned.rect.height = kPinnedHeight;
+    paint_header_text (widget, cr, theme, pinned);
     cairo_restore (cr);
 }
 

@@ -47,6 +47,7 @@ struct PaintRow {
     bool is_task = false;
     bool is_birthday = false;
     bool done = false;             /* a completed task */
+    bool alarm = false;            /* the entry has an alarm */
     bool today = false;            /* header of today */
     bool pressed = false;
     GdkPixmap *background = nullptr;

@@ -15,6 +15,10 @@
 
 #include <algorithm>
 #include <cstring>
+#include <map>
+#include <string>
+#include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "TavCalendarEntry.h"
@@ -41,6 +45,8 @@ constexpr int kHeaderHeight = 40;
 constexpr int kRowHeight = 70;
 constexpr int kRowX = 16;
 constexpr int kNoEntriesHour = 23;
+/* The height of the date header pinned over the top edge. */
+constexpr int kPinnedHeight = 34;
 
 /* What differs between the two records; specialised next to each list. */
 template <class Row> struct RowTraits;
@@ -246,6 +252,51 @@ template <class Row> void refresh_displayed_times (Row *r, int time_format, gboo
 
 /* Records ----------------------------------------------------------------- */
 
+/* The icon file @path at @size x @size, loaded once per process (a file
+ * that does not load is tried once); a new reference or NULL. */
+inline GdkPixbuf *shared_icon (const char *path, int size)
+{
+    static std::map<std::pair<std::string, int>, GdkPixbuf *> cache;
+    auto key = std::make_pair (std::string (path), size);
+    auto it = cache.find (key);
+    if (it == cache.end ())
+        it = cache.emplace (key, tav_create_pixbuf (path, size, size)).first;
+    return it->second ? GDK_PIXBUF (g_object_ref (it->second)) : nullptr;
+}
+
+/* What the lookups done while filling a list need at once: which dates
+ * have a header, how many entry rows and no-events headers there are.
+ * Kept up to date by adding and removing rows. */
+template <class Row> inline bool is_no_entries_row (const Row *r);
+
+struct RowIndex {
+    std::unordered_map<int, int> headers;
+    int entries = 0;
+    int no_entries = 0;
+
+    static int key (const TavDate &d) { return (d.year * 16 + d.month) * 32 + d.day; }
+    template <class Row> void count (const Row *r, int delta)
+    {
+        if (r->entry) {
+            entries += delta;
+        } else if (!r->is_button) {
+            headers[key (r->date)] += delta;
+            if (is_no_entries_row (r))
+                no_entries += delta;
+        }
+    }
+    bool has_header (const TavDate &d) const
+    {
+        auto it = headers.find (key (d));
+        return it != headers.end () && it->second > 0;
+    }
+    void clear ()
+    {
+        headers.clear ();
+        entries = no_entries = 0;
+    }
+};
+
 inline TavCalendarProcessor *shared_processor (TavCalendarProcessor **slot)
 {
     if (!*slot)
@@ -269,7 +320,7 @@ template <class Row> Row *new_button (const char *title, const char *icon_name, 
     r->height = kRowHeight;
     r->is_button = TRUE;
     const int size = kivo_icon_size_get_pixels ("kivo-finger");
-    r->color_icon = icon_name ? tav_create_pixbuf (icon_name, size, size) : nullptr;
+    r->color_icon = icon_name ? shared_icon (icon_name, size) : nullptr;
     return r;
 }
 
@@ -355,7 +406,7 @@ void set_from_entry (List *list, Row *r, TavCalendarEntry *entry, const char *ic
 
     if (icon_name) {
         const int finger = kivo_icon_size_get_pixels ("kivo-finger");
-        r->type_icon = tav_create_pixbuf (icon_name, finger, finger);
+        r->type_icon = shared_icon (icon_name, finger);
         r->start_text[0] = '\0';
         r->end_text[0] = '\0';
     } else {
