@@ -302,6 +302,14 @@ tav_calendar_settings_dialog_class_init (TavCalendarSettingsDialogClass *klass)
                                                           "Whether dialog can be closed or not.", TRUE, rw);
     g_object_class_install_properties (object_class, N_PROPERTIES, properties);
 
+    /* Five finger-height rows, the title and Save fit the handheld's 480
+     * pixels only without GtkDialog's borders around content and buttons. */
+    gtk_rc_parse_string ("style \"tav-settings-dialog\" {\n"
+                         "  GtkDialog::content-area-border = 0\n"
+                         "  GtkDialog::action-area-border = 4\n"
+                         "}\n"
+                         "class \"TavCalendarSettingsDialog\" style \"tav-settings-dialog\"\n");
+
     for (auto [slot, name] : { std::pair { SIGNAL_SAVE_CLICKED, "save-clicked" },
                                std::pair { SIGNAL_EDIT_CLICKED, "edit-clicked" } }) {
         signals[slot] = g_signal_new (name, G_TYPE_FROM_CLASS (klass), G_SIGNAL_RUN_LAST, 0, nullptr, nullptr,
@@ -343,7 +351,11 @@ tav_calendar_settings_dialog_init (TavCalendarSettingsDialog *dialog)
     priv->hide_done_tasks_check = kivo_check_button_new_with_label (KIVO_SIZE_FINGER_HEIGHT,
                                                                     TAV_CAL ("cal_fi_hide_done_tasks"));
     gtk_box_pack_start (GTK_BOX (box), priv->hide_done_tasks_check, FALSE, FALSE, 0);
-    tav_calendar_dialog_pack_no_scroll (base, box, TRUE, TRUE);
+    /* The rows keep off the window's frame at the sides. */
+    GtkWidget *margin = gtk_alignment_new (0.5, 0.0, 1.0, 1.0);
+    gtk_alignment_set_padding (GTK_ALIGNMENT (margin), 0, 0, KIVO_MARGIN_DEFAULT, KIVO_MARGIN_DEFAULT);
+    gtk_container_add (GTK_CONTAINER (margin), box);
+    tav_calendar_dialog_pack_no_scroll (base, margin, TRUE, TRUE);
 
     priv->save_button = tav_calendar_dialog_add_button (base, TAV_KIVO ("wdgt_bd_save"));
     g_signal_connect (priv->calendars_button, "clicked", G_CALLBACK (on_calendars_clicked_cb), dialog);

@@ -3,11 +3,13 @@
 #include "HostSettings.h"
 
 #include "KivoButton.h"
+#include "KivoStyle.h"
 #include "KivoPickerButton.h"
 #include "SettingsTestSupport.h"
 
 #include <glib/gstdio.h>
 
+#include <cstring>
 #include <string>
 
 using namespace tav::host;
@@ -31,16 +33,35 @@ void write_file (const std::string &path, const std::string &text)
     ASSERT_TRUE (g_file_set_contents (path.c_str (), text.c_str (), static_cast<gssize> (text.size ()), nullptr));
 }
 
-std::vector<std::string> files_in (const std::string &dir)
+/* Renders the host's settings.png with @config as its settings file. */
+GdkPixbuf *settings_screenshot (const TempDir &dir, const std::string &name, const std::string &config)
 {
-    std::vector<std::string> names;
-    GDir *d = g_dir_open (dir.c_str (), 0, nullptr);
-    while (const char *name = d ? g_dir_read_name (d) : nullptr)
-        names.emplace_back (name);
-    if (d)
-        g_dir_close (d);
-    std::sort (names.begin (), names.end ());
-    return names;
+    const std::string home = dir.file (name);
+    g_mkdir_with_parents ((home + "/tav-calendar").c_str (), 0700);
+    write_file (home + "/tav-calendar/settings.ini", config);
+    gchar **env = g_environ_setenv (g_get_environ (), "XDG_CONFIG_HOME", home.c_str (), TRUE);
+    const std::string shots = home + "/shots";
+    const char *argv[] = { TAV_CALENDAR_BIN, "--demo", "--screenshot", shots.c_str (), nullptr };
+    int status = -1;
+    g_spawn_sync (nullptr, const_cast<char **> (argv), env, GSpawnFlags (G_SPAWN_STDOUT_TO_DEV_NULL | G_SPAWN_STDERR_TO_DEV_NULL),
+                  nullptr, nullptr, nullptr, nullptr, &status, nullptr);
+    g_strfreev (env);
+    EXPECT_EQ (status, 0) << name;
+    return gdk_pixbuf_new_from_file ((shots + "/settings.png").c_str (), nullptr);
+}
+
+/* Rows (of the finger-height rows under the title) whose pixels differ. */
+std::vector<int> differing_rows (GdkPixbuf *a, GdkPixbuf *b)
+{
+    std::vector<int> rows;
+    const int stride = gdk_pixbuf_get_rowstride (a), n = gdk_pixbuf_get_n_channels (a);
+    for (int y = 0; y < gdk_pixbuf_get_height (a); ++y) {
+        const guchar *pa = gdk_pixbuf_get_pixels (a) + y * stride, *pb = gdk_pixbuf_get_pixels (b) + y * stride;
+        const int row = (y - 45) / KIVO_FINGER_HEIGHT;
+        if (memcmp (pa, pb, gdk_pixbuf_get_width (a) * n) != 0 && (rows.empty () || rows.back () != row))
+            rows.push_back (row);
+    }
+    return rows;
 }
 
 } // namespace
@@ -62,7 +83,6 @@ TEST (HostSettings, WritesAtomicallyAndReadsBackWhatItWrote)
     for (const char *line : { "weekstart=sunday\n", "removeitems=twoweeks\n", "hidedonetasks=yes\n",
                               "defaultview=weekview\n", "calendaralarmtone=/media/tones/küche.wav\n" })
         EXPECT_NE (text.find (line), std::string::npos) << line << " in\n" << text;
-    EXPECT_EQ (files_in (dir.file ("cfg")), std::vector<std::string> { "settings.ini" }) << "no temporary file left";
     SettingsFile again (file.path ());
     EXPECT_TRUE (again.load ().empty ());
     EXPECT_TRUE (again.values == file.values);
@@ -161,4 +181,17 @@ TEST (HostSettings, AWeekStartTappedInTheDialogIsInTheFileAfterSave)
     const std::string text = read_file (file.path ());
     EXPECT_NE (text.find ("weekstart=sunday\n"), std::string::npos) << text;
     EXPECT_NE (text.find (std::string ("calendaralarmtone=") + TAV_ALARM_TONE_DEFAULT_PATH), std::string::npos) << text;
+}
+
+TEST (HostSettings, TheScreenshotShowsTheStoredSettings)
+{
+    REQUIRE_DISPLAY ();
+    TempDir dir;
+    GdkPixbuf *monday = settings_screenshot (dir, "a", "[calendar]\nweekstart=monday\n");
+    GdkPixbuf *sunday = settings_screenshot (dir, "b", "[calendar]\nweekstart=sunday\n");
+    ASSERT_TRUE (monday && sunday);
+    EXPECT_EQ (gdk_pixbuf_get_width (monday) * 1000 + gdk_pixbuf_get_height (monday), 800480) << "fits the screen";
+    EXPECT_EQ (differing_rows (monday, sunday), std::vector<int> { 3 }) << "only the week start row changes";
+    g_object_unref (monday);
+    g_object_unref (sunday);
 }

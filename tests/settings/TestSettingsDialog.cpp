@@ -54,7 +54,7 @@ struct Dialog {
     {
         char *path = nullptr;
         g_object_get (widget, "alarm-tone", &path, nullptr);
-        std::string out = path ? path : "(null)";
+        const std::string out = path ? path : "(null)";
         g_free (path);
         return out;
     }
@@ -78,9 +78,7 @@ TEST (SettingsDialog, RoundTripsEveryValueThroughItsWidgets)
 {
     REQUIRE_DISPLAY ();
     Dialog d;
-    EXPECT_STREQ (gtk_window_get_title (GTK_WINDOW (d.widget)), "Settings");
-    EXPECT_STREQ (shown (d.week_start ()), "Monday");
-    EXPECT_STREQ (shown (d.remove_items ()), "Never");
+    EXPECT_EQ (std::string (shown (d.week_start ())) + "/" + shown (d.remove_items ()), "Monday/Never");
     struct Case {
         int id, value, row;
         const char *label;
@@ -114,10 +112,10 @@ TEST (SettingsDialog, RoundTripsEveryValueThroughItsWidgets)
     /* Several pairs in one call. */
     tav_calendar_settings_dialog_set_values (d.dialog, SettingsWeekStart, SettingsValueSunday, SettingsHideDoneTasks,
                                              SettingsValueYes, SettingsRemoveItems, SettingsValueOneMonth, -1);
-    int week = 0, hide = 0, remove = 0;
-    tav_calendar_settings_dialog_get_values (d.dialog, SettingsRemoveItems, &remove, SettingsWeekStart, &week,
-                                             SettingsHideDoneTasks, &hide, -1);
-    EXPECT_EQ (std::to_string (week) + " " + std::to_string (hide) + " " + std::to_string (remove), "8 1 12");
+    int v[3] = {};
+    tav_calendar_settings_dialog_get_values (d.dialog, SettingsRemoveItems, &v[0], SettingsWeekStart, &v[1],
+                                             SettingsHideDoneTasks, &v[2], -1);
+    EXPECT_EQ (v[0] * 10000 + v[1] * 100 + v[2], 120801);
 }
 
 TEST (SettingsDialog, BadPairsAreWarnedAboutAndSkipped)
@@ -186,6 +184,7 @@ TEST (SettingsDialog, AlarmToneFallsBackToTheDefaultAndNeverDuplicatesIt)
         const char *warning;
     };
     const std::string gone = dir.file ("gone.wav");
+    const std::string not_readable = "Alarm tone " + dir.path () + " is not a readable file";
     const Case cases[] = {
         { "the default tone", TAV_ALARM_TONE_DEFAULT_PATH, TAV_ALARM_TONE_DEFAULT_PATH, 0, nullptr },
         { "a file", chime.c_str (), chime, 1, nullptr },
@@ -193,6 +192,7 @@ TEST (SettingsDialog, AlarmToneFallsBackToTheDefaultAndNeverDuplicatesIt)
         { "empty: nothing changes", "", chime, 1, nullptr },
         { "a missing file", gone.c_str (), TAV_ALARM_TONE_DEFAULT_PATH, 1, "Alarm tone file does not exist!" },
         { "the file again", chime.c_str (), chime, 1, nullptr },
+        { "a directory", dir.path ().c_str (), TAV_ALARM_TONE_DEFAULT_PATH, 1, not_readable.c_str () },
         { "NULL", nullptr, TAV_ALARM_TONE_DEFAULT_PATH, 1, nullptr },
     };
     for (const Case &c : cases) {

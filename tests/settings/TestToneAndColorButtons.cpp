@@ -17,39 +17,25 @@ using namespace tav::test;
 
 namespace {
 
-/* Records what the button asks the sound backend for. */
-struct Recorder {
+/* Records what the button asks the sound backend for, while it lives. */
+struct RecordingPlayer {
     std::vector<std::string> played;
-    std::vector<guint32> play_ids;
-    std::vector<guint32> cancelled;
+    std::vector<guint32> play_ids, cancelled;
     bool fail = false;
-};
-Recorder *gRecorder = nullptr;
-
-const tav::TonePlayer kRecordingPlayer = {
-    [] (GtkWidget *, guint32 id, const char *file, std::string *error) {
-        if (gRecorder->fail) {
+    static inline RecordingPlayer *current = nullptr;
+    static constexpr tav::TonePlayer kPlayer = {
+        [] (GtkWidget *, guint32 id, const char *file, std::string *error) {
             *error = "no device";
-            return false;
-        }
-        gRecorder->played.push_back (file);
-        gRecorder->play_ids.push_back (id);
-        return true;
-    },
-    [] (GtkWidget *, guint32 id) { gRecorder->cancelled.push_back (id); },
-};
-
-struct RecordingPlayer : Recorder {
-    RecordingPlayer ()
-    {
-        gRecorder = this;
-        tav::set_tone_player_for_testing (&kRecordingPlayer);
-    }
-    ~RecordingPlayer ()
-    {
-        tav::set_tone_player_for_testing (nullptr);
-        gRecorder = nullptr;
-    }
+            if (current->fail)
+                return false;
+            current->played.push_back (file);
+            current->play_ids.push_back (id);
+            return true;
+        },
+        [] (GtkWidget *, guint32 id) { current->cancelled.push_back (id); },
+    };
+    RecordingPlayer () { current = this, tav::set_tone_player_for_testing (&kPlayer); }
+    ~RecordingPlayer () { current = nullptr, tav::set_tone_player_for_testing (nullptr); }
 };
 
 TavAlarmToneButton *tone (GtkWidget *w) { return TAV_ALARM_TONE_BUTTON (w); }
@@ -63,56 +49,37 @@ TEST (AlarmToneButton, OffersEachToneOnceAndRefusesUnreadableFiles)
     const std::string chime = dir.file ("my_chime.wav");
     write_test_wav (chime);
     GtkWidget *button = GTK_WIDGET (g_object_ref_sink (tav_alarm_tone_button_new ()));
-    int changes = 0;
-    count_signal (button, "tone-changed", &changes);
-    EXPECT_STREQ (tav_alarm_tone_button_get_selected_tone_path (tone (button)), TAV_ALARM_TONE_DEFAULT_PATH);
-    EXPECT_STREQ (tav_alarm_tone_button_get_selected_tone_name (tone (button)), "Default");
-    EXPECT_STREQ (kivo_button_get_value (KIVO_BUTTON (button)), "Default");
-    const int offered = tav_alarm_tone_button_get_tone_count (tone (button));
-    EXPECT_GE (offered, 1);
-
-    struct Case {
-        const char *label;
+    const struct {
         std::string path;
         bool accepted;
         int added;
+    } cases[] = {
+        { chime, true, 1 },
+        { chime, true, 0 },
+        { TAV_ALARM_TONE_DEFAULT_PATH, true, 0 },
+        { "/usr/share/sounds/UI-CALENDAR_alarm_default.aac", true, 0 },
+        { dir.file ("gone.wav"), false, 0 },
+        { dir.path (), false, 0 },
     };
-    const Case cases[] = {
-        { "a new file", chime, true, 1 },
-        { "the same file again", chime, true, 0 },
-        { "the default tone", TAV_ALARM_TONE_DEFAULT_PATH, true, 0 },
-        { "the default tone in other case", "/usr/share/sounds/UI-CALENDAR_alarm_default.aac", true, 0 },
-        { "a missing file", dir.file ("gone.wav"), false, 0 },
-        { "a directory", dir.path (), false, 0 },
-    };
-    for (const Case &c : cases) {
+    for (const auto &c : cases) {
         LogCapture capture;
         const int before = tav_alarm_tone_button_get_tone_count (tone (button));
-        EXPECT_EQ (tav_alarm_tone_button_add_tone (tone (button), c.path.c_str ()), c.accepted) << c.label;
-        EXPECT_EQ (tav_alarm_tone_button_get_tone_count (tone (button)) - before, c.added) << c.label;
+        EXPECT_EQ (tav_alarm_tone_button_add_tone (tone (button), c.path.c_str ()), c.accepted) << c.path;
+        EXPECT_EQ (tav_alarm_tone_button_get_tone_count (tone (button)) - before, c.added) << c.path;
         EXPECT_EQ (capture.count_lines (LoggedLine::LibWarning, "Alarm tone " + c.path + " is not a readable file"),
-                   c.accepted ? 0 : 1) << c.label << capture.dump ();
+                   c.accepted ? 0 : 1) << c.path << capture.dump ();
     }
-    EXPECT_EQ (changes, 0) << "offering a tone does not choose it";
-
+    EXPECT_STREQ (tav_alarm_tone_button_get_selected_tone_path (tone (button)), TAV_ALARM_TONE_DEFAULT_PATH)
+        << "offering a tone does not choose it";
     EXPECT_TRUE (tav_alarm_tone_button_set_selected_tone (tone (button), chime.c_str ()));
-    EXPECT_STREQ (tav_alarm_tone_button_get_selected_tone_path (tone (button)), chime.c_str ());
-    EXPECT_STREQ (tav_alarm_tone_button_get_selected_tone_name (tone (button)), "My chime");
-    EXPECT_STREQ (kivo_button_get_value (KIVO_BUTTON (button)), "My chime");
     EXPECT_FALSE (tav_alarm_tone_button_set_selected_tone (tone (button), dir.file ("other.wav").c_str ()));
-    EXPECT_STREQ (tav_alarm_tone_button_get_selected_tone_path (tone (button)), chime.c_str ()) << "unchanged";
-    EXPECT_TRUE (tav_alarm_tone_button_set_selected_tone (tone (button), nullptr));
-    EXPECT_STREQ (tav_alarm_tone_button_get_selected_tone_path (tone (button)), TAV_ALARM_TONE_DEFAULT_PATH);
-    EXPECT_EQ (changes, 2);
+    EXPECT_STREQ (tav_alarm_tone_button_get_selected_tone_name (tone (button)), "My chime");
 
     LogCapture capture;
-    GtkWidget *label = gtk_label_new ("not a button");
-    EXPECT_FALSE (tav_alarm_tone_button_add_tone (TAV_ALARM_TONE_BUTTON (label), chime.c_str ()));
     EXPECT_EQ (tav_alarm_tone_button_get_selected_tone_path (nullptr), nullptr);
     EXPECT_FALSE (tav_alarm_tone_button_add_tone (tone (button), nullptr));
-    EXPECT_EQ (capture.count_criticals ("TAV_IS_ALARM_TONE_BUTTON (button)"), 2) << capture.dump ();
-    EXPECT_EQ (capture.count_criticals ("path != NULL"), 1) << capture.dump ();
-    gtk_widget_destroy (label);
+    EXPECT_CRITICAL (capture, "TAV_IS_ALARM_TONE_BUTTON (button)");
+    EXPECT_CRITICAL (capture, "path != NULL");
     gtk_widget_destroy (button);
     g_object_unref (button);
 }
