@@ -395,12 +395,13 @@ void flush ()
     }
 }
 
-/* What is on screen where the main window is: with no window manager the
- * stacked windows, dialogs and menus lie over it as the user sees them. */
-bool save_screen (App &app, const std::string &dir, const std::string &name)
+/* What is on screen where the main window (or @target) is: with no window
+ * manager the stacked windows, dialogs and menus lie over it as the user
+ * sees them. */
+bool save_screen (App &app, const std::string &dir, const std::string &name, GtkWidget *target = nullptr)
 {
     flush ();
-    GtkWidget *main = GTK_WIDGET (app.window);
+    GtkWidget *main = target ? target : GTK_WIDGET (app.window);
     int x = 0, y = 0;
     gdk_window_get_origin (main->window, &x, &y);
     GdkPixbuf *shot = gdk_pixbuf_get_from_drawable (nullptr, gdk_get_default_root_window (), nullptr, x, y, 0, 0,
@@ -486,19 +487,17 @@ int render_views (App &app, const std::string &dir)
         if (!app.settings) {
             app.settings = &defaults;
         }
-        gboolean handled = FALSE;
-        g_signal_emit_by_name (app.window, "settings-activated", &handled);
-        if (!save_screen (app, dir, "settings")) {
+        /* The dialog the menu's Settings opens, filling the screen. */
+        GtkWidget *dialog = app.open_settings ();
+        gtk_window_move (GTK_WINDOW (dialog), 0, 0);
+        gtk_widget_set_size_request (dialog, 800, 480);
+        gtk_widget_show_all (dialog);
+        const bool saved = save_screen (app, dir, "settings", dialog);
+        gtk_widget_destroy (dialog);
+        if (!saved) {
+            app.settings = kept;
             return 1;
         }
-        close_stacked (app);
-        GList *toplevels = gtk_window_list_toplevels ();
-        for (GList *l = toplevels; l; l = l->next) {
-            if (TAV_IS_CALENDAR_SETTINGS_DIALOG (l->data)) {
-                gtk_widget_destroy (GTK_WIDGET (l->data));
-            }
-        }
-        g_list_free (toplevels);
         app.settings = kept;
     }
     press_key (GTK_WIDGET (app.window), GDK_F4);

@@ -557,6 +557,9 @@ static GtkWidget *show_stacked (TavCalendarWindow *window, const StackedKind &ki
         gtk_widget_show_all (stacked);
     } else {
         TAV_MESSAGE_AS ("show_stacked", "Showing the already created %s view window", kind.name);
+        /* A removal may have taken the view out of its window. */
+        if (!gtk_widget_get_parent (priv->areas[kind.area]))
+            gtk_container_add (GTK_CONTAINER (stacked), priv->areas[kind.area]);
     }
     gtk_widget_show (stacked);
     gtk_window_present (GTK_WINDOW (stacked));
@@ -1134,11 +1137,15 @@ static gboolean _remove_event_activated (TavCalendarWindow *window, TavCalendarE
         TAV_WARNING ("tav_calendar_source_delete_entry() failed.");
         return FALSE;
     }
-    if (tav_calendar_window_event_view_active (window)) {
+    const bool from_event_view = tav_calendar_window_event_view_active (window);
+    if (from_event_view) {
         tav_event_view_set_entry (TAV_EVENT_VIEW (window->event_view), nullptr, nullptr);
         take_area_out (window->priv->event_window, window->priv->areas[AREA_EVENT]);
     }
     tav_calendar_window_remove_entry (window, entry);
+    /* Nothing is left to show there: back to the calendar, which reads again. */
+    if (from_event_view && window->priv->event_window)
+        on_stacked_window_delete_cb (window->priv->event_window, nullptr, window);
     return TRUE;
 }
 

@@ -160,6 +160,34 @@ static void close_topmost (TavCalendarWindow *window)
     flush ();
 }
 
+/* A calendar whose deletions succeed: the entry leaves the host's store. */
+typedef TavCalendarSource TestSource;
+typedef TavCalendarSourceClass TestSourceClass;
+static int deletions;
+
+static int test_source_delete_entry (TavCalendarSource *source, TavCalendarEntry *entry)
+{
+    (void) source;
+    deletions++;
+    if (g_list_find (store, entry)) {
+        store = g_list_remove (store, entry);
+        g_object_unref (entry);
+    }
+    return CalendarNoError;
+}
+
+G_DEFINE_TYPE (TestSource, test_source, TAV_TYPE_CALENDAR_SOURCE)
+
+static void test_source_class_init (TestSourceClass *klass)
+{
+    klass->delete_entry = test_source_delete_entry;
+}
+
+static void test_source_init (TestSource *source)
+{
+    (void) source;
+}
+
 /* Answers the confirmation note that the window runs (modally) with @data. */
 static gboolean answer_note (gpointer data)
 {
@@ -422,10 +450,29 @@ int main (int argc, char **argv)
     tav_calendar_window_read_database (window);
     CHECK (count_on_day (window, 2028, 10, 14, meeting) == 1, "one meeting after two answers");
 
+    /* Deleting from the event view: confirmed, deleted in its calendar, gone
+     * from the views, and the event window closes. */
+    {
+        TavCalendarSource *source = g_object_new (test_source_get_type (), NULL);
+        g_object_ref (meeting);
+        g_object_set (meeting, "source", source, NULL);
+        tav_event_view_set_entry (TAV_EVENT_VIEW (window->event_view), meeting, NULL);
+        tav_calendar_window_show_event_view (window);
+        flush ();
+        g_timeout_add (300, answer_note, GINT_TO_POINTER (GTK_RESPONSE_OK));
+        g_signal_emit_by_name (window, "remove-event-activated", meeting, &result);
+        flush ();
+        CHECK (result && deletions == 1, "deleted through the calendar");
+        CHECK (tav_calendar_window_month_view_active (window), "back on the month");
+        CHECK (count_on_day (window, 2028, 10, 14, NULL) == 0, "the month read again without it");
+        g_object_set (meeting, "source", NULL, NULL);
+        g_object_unref (source);
+    }
+
     /* Bad input: a critical naming the check, nothing changed. */
-    tav_calendar_window_add_entry (NULL, meeting);
+    tav_calendar_window_add_entry (NULL, lunch);
     tav_calendar_window_add_entry (window, NULL);
-    tav_calendar_window_show_week_view ((TavCalendarWindow *) meeting);
+    tav_calendar_window_show_week_view ((TavCalendarWindow *) lunch);
     CHECK (criticals == 3, "%d criticals", criticals);
     CHECK (tav_calendar_window_month_view_active (window), "still the month");
 
@@ -436,6 +483,7 @@ int main (int argc, char **argv)
     g_object_unref (window);
     g_list_free_full (store, g_object_unref);
     g_object_unref (lunch);
+    g_object_unref (meeting);
     printf ("%s\n", failures ? "FAILED" : "ok");
     return failures ? 1 : 0;
 }
