@@ -335,7 +335,9 @@ bool App::show (const std::string &name)
         }
         g_list_free_full (entries, g_object_unref);
     }
-    tav_calendar_window_read_database (window);
+    if (name != "tasks" && name != "notes") {
+        tav_calendar_window_read_database (window);
+    }
     return true;
 }
 
