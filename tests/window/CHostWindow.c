@@ -335,6 +335,24 @@ int main (int argc, char **argv)
     before = reads_week;
     tav_calendar_window_activate_week_view (window);
     CHECK (reads_week == before + 1, "the unfinished week read again");
+    /* Only a root view can be cut short; the day view is ignored. */
+    tav_calendar_window_read_database_unfinished (window, TAV_CALENDAR_VIEW (window->day_view));
+    before = reads_week;
+    tav_calendar_window_activate_week_view (window);
+    CHECK (reads_week == before, "nothing to read again");
+
+    /* The week's current-time marker runs only while its window is in front. */
+    {
+        gboolean topmost = FALSE;
+        flush ();
+        g_object_get (window->week_view, "is-topmost", &topmost, NULL);
+        CHECK (topmost, "the shown week is topmost");
+        tav_calendar_window_show_note_view (window);
+        flush ();
+        g_object_get (window->week_view, "is-topmost", &topmost, NULL);
+        CHECK (!topmost, "covered by the notes window");
+        close_topmost (window);
+    }
     tav_calendar_window_activate_month_view (window);
 
     /* Stacked windows: the event view is current while its window is on top. */
@@ -467,6 +485,21 @@ int main (int argc, char **argv)
         CHECK (count_on_day (window, 2028, 10, 14, NULL) == 0, "the month read again without it");
         g_object_set (meeting, "source", NULL, NULL);
         g_object_unref (source);
+    }
+
+    /* A host that never answers: the views stay empty, nothing breaks. */
+    {
+        TavCalendarWindow *silent = TAV_CALENDAR_WINDOW (tav_calendar_window_new ());
+        gtk_widget_show (GTK_WIDGET (silent));
+        tav_calendar_window_show_month_view (silent);
+        tav_calendar_window_read_database (silent);
+        tav_calendar_window_activate_week_view (silent);
+        tav_calendar_window_activate_agenda_view (silent);
+        tav_calendar_window_add_entry (silent, lunch);
+        tav_calendar_window_activate_month_view (silent);
+        flush ();
+        CHECK (tav_calendar_window_month_view_active (silent), "the silent window works");
+        gtk_widget_destroy (GTK_WIDGET (silent));
     }
 
     /* Bad input: a critical naming the check, nothing changed. */
