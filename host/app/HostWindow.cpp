@@ -468,6 +468,11 @@ int render_views (App &app, const std::string &dir)
             continue;
         }
         app.show (name);
+        if (strcmp (name, "tasks") == 0 || strcmp (name, "notes") == 0) {
+            /* An empty list says so once its half-second check has run. */
+            flush ();
+            g_usleep (550000);
+        }
         if (!save_screen (app, dir, name)) {
             return 1;
         }

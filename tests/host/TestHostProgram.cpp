@@ -68,7 +68,7 @@ TEST (HostProgram, ScreenshotRendersEachViewAt800x480)
     ProgramRun empty = run ({"--db", dir.file ("empty.db"), "--date", "2026-11-23", "--screenshot", dir.file ("empty")});
     ASSERT_EQ (empty.status, 0) << empty.err;
 
-    for (const char *view : {"month", "week"}) {
+    for (const char *view : {"month", "week", "tasks", "notes"}) {
         SCOPED_TRACE (view);
         EXPECT_TRUE (contains (demo.out, dir.file ("demo") + "/" + view + ".png")) << demo.out;
         GError *err = nullptr;
