@@ -313,11 +313,18 @@ bool App::show (const std::string &name)
     } else if (name == "event") {
         const TavDateInterval day = {focus, focus};
         GList *entries = calendars->read_interval (day);
-        /* An event of that day (every entry read touches it), a timed one
-         * when there is one; a repeating one is shown on that day. */
+        /* An event of that day, a timed one when there is one; a repeating
+         * one only when it occurs that day, and shown on that day. */
         TavCalendarEntry *event = nullptr;
         for (GList *l = entries; l; l = l->next) {
             if (TAV_IS_CALENDAR_TASK (l->data) || TAV_IS_CALENDAR_NOTE (l->data)) {
+                continue;
+            }
+            gboolean repeats = FALSE;
+            g_object_get (l->data, "has-repeat", &repeats, nullptr);
+            const TavTimestamp *at = repeats ? tav_calendar_entry_get_first_instance_timestamp (TAV_CALENDAR_ENTRY (l->data), &day)
+                                             : nullptr;
+            if (repeats && (!at || tav_date_compare (&at->date, &focus) != 0)) {
                 continue;
             }
             if (!event || (tav_calendar_entry_is_all_day (event) && !tav_calendar_entry_is_all_day (TAV_CALENDAR_ENTRY (l->data)))) {
