@@ -225,6 +225,10 @@ int main (int argc, char **argv)
     }
     g_log_set_default_handler (count_critical, NULL);
 
+    /* Month backgrounds come from the theme, relative to its directory. */
+    gtk_rc_parse_string ("style \"tav-bg\" { TavCalendarWindow::monthly-bg-image-files = "
+                         "{ \"january.png\", \"/elsewhere/february.png\" } }\n"
+                         "class \"TavCalendarWindow\" style \"tav-bg\"\n");
     window = TAV_CALENDAR_WINDOW (tav_calendar_window_new ());
     tav_calendar_window_set_first_day_of_week (window, 1);
     g_signal_connect (window->month_view, "database-access-read", G_CALLBACK (answer_read), window);
@@ -243,6 +247,10 @@ int main (int argc, char **argv)
     CHECK (tav_calendar_window_get_topmost_window (window) == GTK_WIDGET (window), "topmost is the main window");
     CHECK (strcmp (title_of (GTK_WIDGET (window)), "November 2028") == 0, "title '%s'", title_of (GTK_WIDGET (window)));
     CHECK (count_on_day (window, 2028, 10, 14, meeting) == 1, "the read filled the month");
+    CHECK (window->bg_file_names[0] && g_str_has_suffix (window->bg_file_names[0], "/january.png")
+           && g_path_is_absolute (window->bg_file_names[0]), "January's image in the theme directory");
+    CHECK (g_strcmp0 (window->bg_file_names[1], "/elsewhere/february.png") == 0 && !window->bg_file_names[2],
+           "an absolute name kept, the other months without one");
     CHECK (item_visible ("Next month") && item_visible ("Previous month"), "month items shown");
     CHECK (!item_visible ("Next week") && !item_visible ("Previous week"), "week items hidden with the month");
 
