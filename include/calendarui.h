@@ -30,5 +30,8 @@
 #include "calendarui/TavColorButton.h"
 #include "calendarui/TavTaskView.h"
 #include "calendarui/TavNoteView.h"
+#include "calendarui/TavEventView.h"
+#include "calendarui/TavDateSelectionWindow.h"
+#include "calendarui/TavCalendarWindow.h"
 
 #endif /* CALENDARUI_H */

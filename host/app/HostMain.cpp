@@ -97,6 +97,12 @@ std::string default_store_path ()
     return out;
 }
 
+/* The root view the settings name. */
+const char *default_view_name (int value)
+{
+    return value == SettingsValueWeekView ? "week" : value == SettingsValueAgendaView ? "agenda" : "month";
+}
+
 /* Progress of a long import: a line on the terminal, and a bar in a small
  * window when the calendar is about to be shown. */
 struct ImportFeedback {
@@ -134,7 +140,6 @@ struct ImportFeedback {
     }
 };
 
-/* The calendar window: a switch between the views above the current one. */
 }  // namespace
 
 int main (int argc, char **argv)
@@ -194,18 +199,16 @@ int main (int argc, char **argv)
             return 2;
         }
     }
-    size_t first_view = 0;
     if (opt.view) {
-        static const char *const known[] = {"month", "week", "agenda", "day", "tasks", "notes"};
-        const bool is_known = std::find_if (std::begin (known), std::end (known),
-                                            [&] (const char *k) { return strcmp (k, opt.view) == 0; }) != std::end (known);
-        const ViewKind *kind = find_view (opt.view);
-        if (!kind) {
-            fprintf (stderr, "tav-calendar: --view %s: %s; this build has: %s\n", opt.view,
-                     is_known ? "that view is not in this build yet" : "no such view", view_names ().c_str ());
+        if (!view_is_known (opt.view)) {
+            fprintf (stderr, "tav-calendar: --view %s: no such view; this build has: %s\n", opt.view, view_names ().c_str ());
             return 2;
         }
-        first_view = static_cast<size_t> (kind - view_kinds ().data ());
+        if (!view_in_build (opt.view)) {
+            fprintf (stderr, "tav-calendar: --view %s: that view is not in this build yet; this build has: %s\n", opt.view,
+                     view_names ().c_str ());
+            return 2;
+        }
     }
 
     /* The store. */
@@ -250,16 +253,6 @@ int main (int argc, char **argv)
         /* A damaged file is reported here once: loading repairs it. */
         for (const std::string &problem : settings.load ()) {
             fprintf (stderr, "tav-calendar: %s\n", problem.c_str ());
-        }
-        if (!opt.view) {
-            static const std::pair<int, const char *> kDefaultViews[] = {
-                {SettingsValueMonthView, "month"}, {SettingsValueWeekView, "week"}, {SettingsValueAgendaView, "agenda"}};
-            for (const auto &[value, name] : kDefaultViews) {
-                const ViewKind *kind = find_view (name);
-                if (value == settings.values.default_view && kind) {
-                    first_view = static_cast<size_t> (kind - view_kinds ().data ());
-                }
-            }
         }
     }
     const bool have_display = want_ui && gtk_init_check (&argc, &argv);
@@ -333,18 +326,13 @@ int main (int argc, char **argv)
             fprintf (stderr, "tav-calendar: no display to show the calendar on (try xvfb-run with --screenshot DIR)\n");
             status = 3;
         } else if (opt.screenshot) {
-            app.focus = focus;
+            app.build ();
             int shot = render_views (app, opt.screenshot);
             shot = shot ? shot : render_applet (app, opt.screenshot);
             shot = shot ? shot : render_editors (*app.calendars, focus, opt.screenshot);
             status = status ? status : shot;
         } else if (opt.applet) {
             run_applet (app);
-        } else if (opt.settings) {
-            /* The dialog alone, before (and without) the calendar window. */
-            GtkWidget *dialog = app.open_settings ();
-            g_signal_connect (dialog, "destroy", G_CALLBACK (gtk_main_quit), nullptr);
-            gtk_main ();
         } else if (editor) {
             TavCalendarEntry *entry = nullptr;
             if (opt.edit_event) {
@@ -360,14 +348,23 @@ int main (int argc, char **argv)
             if (entry) {
                 g_object_unref (entry);
             }
+        } else if (opt.settings) {
+            /* The dialog alone, before (and without) the calendar window. */
+            GtkWidget *dialog = app.open_settings ();
+            g_signal_connect (dialog, "destroy", G_CALLBACK (gtk_main_quit), nullptr);
+            gtk_main ();
         } else {
-            app.build (false);
-            gtk_widget_show_all (app.window);
-            app.show_view (first_view);
+            app.build ();
+            gtk_widget_show (GTK_WIDGET (app.window));
+            app.show (opt.view ? opt.view : default_view_name (settings.values.default_view));
             gtk_main ();
         }
     }
 
+    if (app.window) {
+        gtk_widget_destroy (GTK_WIDGET (app.window));
+        app.window = nullptr;
+    }
     app.calendars.reset ();
     store.reset ();
     if (demo_dir) {
