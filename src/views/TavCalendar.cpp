@@ -391,6 +391,21 @@ tav_calendar_add_entry_for_timestamp_cb (TavCalendarView *view, const TavTimesta
     return calendar_grid_add_entry_instance (calendar->priv->cells, processor_of (calendar), instance_start, entry);
 }
 
+/* After a change outside a read every line may belong in another lane (an
+ * event that kept clear of a removed one moves up on some of its days, and
+ * its bar must stay one bar): every cell gives its lines back to its buffer
+ * and the grid pass lays the month out as a fresh read would. It also
+ * repaints the grid. recalculate_entries never reaches this view. */
+static void
+relayout_all_cells (TavCalendar *calendar)
+{
+    for (auto &cell : calendar->priv->cells) {
+        calendar_cell_drop_back_all_entries (&cell);
+        cell.dirty = !cell.buffer.empty ();
+    }
+    calendar_recalculate_entries_for_all_cells (TAV_CALENDAR_VIEW (calendar));
+}
+
 static gboolean
 tav_calendar_remove_entry (TavCalendarView *view, TavCalendarEntry *entry)
 {
@@ -403,11 +418,21 @@ tav_calendar_remove_entry (TavCalendarView *view, TavCalendarEntry *entry)
             changed = TRUE;
         }
     }
-    if (changed && GTK_WIDGET_REALIZED (GTK_WIDGET (calendar))) {
-        calendar->priv->cells_image_stale = TRUE;
-        gdk_window_invalidate_rect (calendar->priv->cells_win, NULL, FALSE);
-    }
+    if (changed)
+        relayout_all_cells (calendar);
     return changed;
+}
+
+/* An entry added outside a read (no freeze, so no thaw will run the grid
+ * pass) is lined up at once. */
+static gboolean
+tav_calendar_add_entry (TavCalendarView *view, TavCalendarEntry *entry)
+{
+    auto parent = TAV_CALENDAR_VIEW_CLASS (tav_calendar_parent_class);
+    const gboolean added = parent->add_entry (view, entry);
+    if (added && !tav_calendar_view_is_frozen (view))
+        relayout_all_cells (TAV_CALENDAR (view));
+    return added;
 }
 
 static gboolean
@@ -810,6 +835,7 @@ tav_calendar_class_init (TavCalendarClass *klass)
     widget_class->expose_event = tav_calendar_expose_event;
     widget_class->style_set = tav_calendar_style_set;
 
+    view_class->add_entry = tav_calendar_add_entry;
     view_class->add_entry_instance = tav_calendar_add_entry_for_timestamp_cb;
     view_class->remove_entry = tav_calendar_remove_entry;
     view_class->recalculate_entries = calendar_recalculate_entries_for_all_cells;

@@ -5,6 +5,7 @@
 #include "ViewTestSupport.h"
 #include "BusyMonth.h"
 
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -275,6 +276,48 @@ TEST_F (MonthWidget, EntriesForDayWeekAndMonth)
     EXPECT_TRUE (tav_calendar_view_remove_entry (TAV_CALENDAR_VIEW (calendar), b));
     EXPECT_EQ (count (tav_calendar_get_entries_for_week (calendar, 11)), 1u);
     EXPECT_FALSE (tav_calendar_view_remove_entry (TAV_CALENDAR_VIEW (calendar), b));
+}
+
+/* A removal, or an addition outside a read, leaves the grid exactly as a
+ * fresh read of what is left: lanes and bar ends follow at once. */
+TEST_F (MonthWidget, RemovingOrAddingOutsideAReadLinesUpLikeAFreshRead)
+{
+    MemorySourcePtr source (tav_memory_source_new ("Home", TavCalendarColorGreen, CalendarSourceTypeLocal));
+    tav_calendar_select_month (calendar, 2, 2009);
+    show (560, 480);
+    TavTimestamp y_start { { 2009, 2, 2 }, { 8, 0 } }, y_end { { 2009, 2, 4 }, { 9, 0 } };
+    TavTimestamp x_start { { 2009, 2, 3 }, { 10, 0 } }, x_end { { 2009, 2, 5 }, { 11, 0 } };
+    TavCalendarEntry *y = tav_memory_source_add_event (source.get (), "Y", &y_start, &y_end);
+    g_object_ref (y);
+    tav_memory_source_add_event (source.get (), "X Tue-Thu", &x_start, &x_end);
+    auto view = TAV_CALENDAR_VIEW (calendar);
+    auto reread = [&] {
+        tav_calendar_select_next_month (calendar);
+        tav_calendar_select_prev_month (calendar);
+        read_into (view, source.get ());
+        repaint ();
+        return widget_snapshot (GTK_WIDGET (calendar));
+    };
+    auto same = [] (GdkPixbuf *a, GdkPixbuf *b) {
+        const bool equal = gdk_pixbuf_get_byte_length (a) == gdk_pixbuf_get_byte_length (b)
+            && memcmp (gdk_pixbuf_get_pixels (a), gdk_pixbuf_get_pixels (b), gdk_pixbuf_get_byte_length (a)) == 0;
+        g_object_unref (a);
+        g_object_unref (b);
+        return equal;
+    };
+    GdkPixbuf *both = reread ();
+    EXPECT_TRUE (tav_calendar_view_remove_entry (view, y));
+    repaint ();
+    GdkPixbuf *removed = widget_snapshot (GTK_WIDGET (calendar));
+    tav_memory_source_remove (source.get (), y);
+    EXPECT_TRUE (same (removed, reread ())) << "X's bar must still reach Thursday";
+
+    tav_memory_source_add (source.get (), y);
+    EXPECT_TRUE (tav_calendar_view_add_entry (view, y));
+    tav_calendar_view_recalculate_entries (view);
+    repaint ();
+    EXPECT_TRUE (same (widget_snapshot (GTK_WIDGET (calendar)), both));
+    g_object_unref (y);
 }
 
 /* Pointer ------------------------------------------------------------------------ */
