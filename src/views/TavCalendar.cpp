@@ -569,7 +569,7 @@ tav_calendar_size_request (GtkWidget *widget, GtkRequisition *requisition)
 static void
 compute_geometry (TavCalendarPrivate *priv, const GtkAllocation *allocation)
 {
-    const int header = CLAMP (allocation->height / 18, 18, 40);
+    const int header = CLAMP (allocation->height / 18, 22, 40); /* room for 13-pixel day names */
     const int week = CLAMP (allocation->width / 16, 26, 64);
     priv->cell_width = MAX (1, (allocation->width - week) / NColumns);
     priv->cell_height = MAX (1, (allocation->height - header) / NRows);

@@ -128,13 +128,14 @@ std::vector<CrowdMark> crowd_marks (TavWeekViewPrivate *priv, int width, int col
             marks[static_cast<size_t> (it - groups.begin ())].hidden++;
             continue;
         }
-        /* The mark sits at the right end of the first left-over record. */
+        /* The mark sits in the bottom right corner of the first left-over
+         * record, clear of the column titles. */
         const GdkRectangle r = hour_entry_rect (priv, width, col, wentry);
         CrowdMark mark;
         mark.rect.width = std::min (r.width, kCrowdMarkWidth);
         mark.rect.height = std::min (r.height, kCrowdMarkHeight);
         mark.rect.x = r.x + r.width - mark.rect.width;
-        mark.rect.y = r.y;
+        mark.rect.y = r.y + r.height - mark.rect.height;
         mark.hidden = 1;
         groups.push_back (wentry->group);
         marks.push_back (mark);

@@ -666,6 +666,18 @@ void paint_header (TavWeekView *view, GdkRectangle *area)
 
     pango_layout_set_font_description (layout.get (), day_font.get ());
     pango_layout_set_alignment (layout.get (), PANGO_ALIGN_CENTER);
+    /* When one day's header does not fit its column, every day puts its
+     * weekday over its date instead of cutting the date off. */
+    bool two_lines = false;
+    pango_layout_set_width (layout.get (), -1);
+    for (int col = 0; col < NColumns; col++) {
+        const Day &day = priv->days[static_cast<size_t> (col)];
+        const int w = column_x (table_w, col + 1) - column_x (table_w, col);
+        pango_layout_set_text (layout.get (), day.header ? day.header.get () : "", -1);
+        int lw, lh;
+        pango_layout_get_pixel_size (layout.get (), &lw, &lh);
+        two_lines = two_lines || lw > w - 6;
+    }
     pango_layout_set_ellipsize (layout.get (), PANGO_ELLIPSIZE_END);
     for (int col = 0; col < NColumns; col++) {
         const Day &day = priv->days[static_cast<size_t> (col)];
@@ -690,8 +702,12 @@ void paint_header (TavWeekView *view, GdkRectangle *area)
         cairo_line_to (cr, x + 0.5, height - 12);
         cairo_stroke (cr);
 
+        std::string header = day.header ? day.header.get () : "";
+        const size_t space = header.find (' ');
+        if (two_lines && space != std::string::npos)
+            header[space] = '\n';
         pango_layout_set_width (layout.get (), (w - 6) * PANGO_SCALE);
-        pango_layout_set_text (layout.get (), day.header ? day.header.get () : "", -1);
+        pango_layout_set_text (layout.get (), header.c_str (), -1);
         int lw, lh;
         pango_layout_get_pixel_size (layout.get (), &lw, &lh);
         set_source (cr, day.is_today ? kWhite : date_color);

@@ -4,6 +4,7 @@
 #include "TestSupport.h"
 #include "ViewTestSupport.h"
 #include "BusyMonth.h"
+#include "TavCalendarColors.h"
 
 #include <cstring>
 #include <string>
@@ -318,6 +319,49 @@ TEST_F (MonthWidget, RemovingOrAddingOutsideAReadLinesUpLikeAFreshRead)
     repaint ();
     EXPECT_TRUE (same (widget_snapshot (GTK_WIDGET (calendar)), both));
     g_object_unref (y);
+}
+
+/* At 480x360 the lines keep a readable text size (fewer lines, not smaller
+ * ones), and a bar starting in February recedes only over February. */
+TEST_F (MonthWidget, SmallCellsKeepReadableTextAndOnlyOtherMonthsRecede)
+{
+    tav_calendar_select_month (calendar, 2, 2009);
+    show (480, 360);
+    auto view = TAV_CALENDAR_VIEW (calendar);
+    for (int i = 0; i < 2; i++) {
+        /* 27 February to 3 March, then a line on Tuesday 10 March. */
+        TavCalendarEntry *e = i == 0 ? make_entry ("Trip", { 2009, 1, 27, 0, 0 }, { 2009, 2, 3, 0, 0 }, true, 9)
+                                     : make_entry ("Hg Hg Hg", { 2009, 2, 10, 9, 0 }, { 2009, 2, 10, 10, 0 });
+        tav_calendar_view_add_entry (view, e);
+        g_object_unref (e);
+    }
+    repaint ();
+    GdkPixbuf *shot = pixbuf_of (GDK_DRAWABLE (grid));
+    const tav::CalendarRgb &green = tav::calendar_rgb (9);
+    const guint32 full = guint32 ((green.r << 16) | (green.g << 8) | green.b);
+    auto cell_has = [&] (int row, int col, guint32 rgb) {
+        for (int y = row * ch; y < (row + 1) * ch; y++)
+            if (rgb_at (shot, col * cw + cw / 2, y) == rgb)
+                return true;
+        return false;
+    };
+    EXPECT_TRUE (cell_has (0, 6, full)) << "1 March: this month's part of the bar at full colour";
+    EXPECT_TRUE (cell_has (1, 0, full)) << "2 March";
+    EXPECT_FALSE (cell_has (0, 4, full)) << "27 February recedes";
+
+    /* The rows of Tuesday 10 March's left half holding bright title ink. */
+    int first = -1, last = -1;
+    for (int y = 2 * ch; y < 3 * ch; y++)
+        for (int x = cw; x < cw + cw / 2; x++) {
+            const guint32 p = rgb_at (shot, x, y);
+            if ((p >> 16) > 0xc0 && ((p >> 8) & 0xff) > 0xc0 && (p & 0xff) > 0xc0) {
+                first = first < 0 ? y : first;
+                last = y;
+                break;
+            }
+        }
+    EXPECT_GE (last - first + 1, 11) << "'Hg' in 13-pixel text";
+    g_object_unref (shot);
 }
 
 /* Pointer ------------------------------------------------------------------------ */

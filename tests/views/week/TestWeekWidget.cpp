@@ -628,6 +628,38 @@ TEST (WeekPainting, ABusyWeekIsPaintedWhereItsEntriesAre)
         << std::hex << marker << ": the red marker at 14:25 on Tuesday";
 }
 
+/* The rows of the header of column @col holding light text, first to last. */
+std::pair<int, int> header_text_rows (GdkPixbuf *shot, int table_width, int col)
+{
+    const int x0 = tav::week::kHourColumnWidth + tav::week::column_x (table_width, col) + 4;
+    const int x1 = tav::week::kHourColumnWidth + tav::week::column_x (table_width, col + 1) - 4;
+    int first = -1, last = -1;
+    for (int y = 4; y < tav::week::kHeaderHeight - 4; y++)
+        for (int x = x0; x < x1; x++)
+            if (((rgb_at (shot, x, y) >> 8) & 0xff) > 0xa0) {
+                first = first < 0 ? y : first;
+                last = y;
+                break;
+            }
+    return { first, last };
+}
+
+TEST (WeekPainting, ANarrowHeaderPutsTheDateUnderTheWeekday)
+{
+    REQUIRE_DISPLAY ();
+    std::pair<int, int> rows[2];
+    for (int narrow : { 0, 1 }) {
+        Fixture f (narrow ? 480 : 800, 420);
+        tav::GRefPtr<GdkPixbuf> shot = f.shot (narrow ? "week-view-header-480.png" : "week-view-header-800.png");
+        rows[narrow] = header_text_rows (shot.get (), f.table_width (), 2);
+    }
+    const auto [top1, bottom1] = rows[0];
+    const auto [top2, bottom2] = rows[1];
+    ASSERT_GE (top1, 0);
+    ASSERT_GE (top2, 0);
+    EXPECT_GT (bottom2 - top2, 3 * (bottom1 - top1) / 2) << "'Wed' over '11' on two lines";
+}
+
 TEST (WeekScrolling, APannableAreaDrivesTheView)
 {
     REQUIRE_DISPLAY ();
