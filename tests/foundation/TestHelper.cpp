@@ -76,6 +76,9 @@ TEST (CheckFileExists, OnlyAMissingFileIsAbsent)
     /* A path through a regular file fails with ENOTDIR, which counts as
      * existing. */
     EXPECT_TRUE (checkFileExists ((file + "/below").c_str ()));
+    LogCapture capture;
+    EXPECT_FALSE (checkFileExists (NULL));
+    EXPECT_CRITICAL (capture, "path != NULL");
 }
 
 TEST (TerminalLog, PrefixesAndNewline)
