@@ -403,6 +403,8 @@ kivo_style_decorate_dialog (GtkWidget *window, const char *title)
     }
 }
 
+static bool s_rc_done = false;
+
 void
 kivo_style_init (void)
 {
@@ -425,10 +427,15 @@ kivo_style_init (void)
         klass->draw_flat_box = kivo_draw_flat_box;
         g_once_init_leave (&drawing_done, 1);
     }
-    static bool rc_done = false;
-    if (!rc_done && gdk_display_get_default ()) {
-        rc_done = true;
+    if (!s_rc_done && gdk_display_get_default ()) {
+        s_rc_done = true;
         gtk_rc_parse_string (kRc);
         gtk_rc_reset_styles (gtk_settings_get_default ());
     }
+}
+
+gboolean
+kivo_style_installed (void)
+{
+    return s_rc_done;
 }

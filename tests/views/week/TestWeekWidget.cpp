@@ -8,6 +8,7 @@
 #include "TavGPtr.h"
 #include "TavWeekViewInternal.h"
 #include "KivoPannableArea.h"
+#include "KivoStyle.h"
 
 #include <gdk/gdktestutils.h>
 
@@ -152,6 +153,9 @@ TEST (WeekNavigation, WeeksFollowTheFirstDayAndTheYearLimits)
 {
     REQUIRE_DISPLAY ();
     TavWeekView *view = TAV_WEEK_VIEW (g_object_ref_sink (tav_week_view_new ()));
+    /* The first test of the program: a view installs the platform style
+     * when it is made, not at the first long press. */
+    EXPECT_TRUE (kivo_style_installed ());
     Recorder rec;
     rec.connect (view);
     int week_number = 0;
