@@ -152,11 +152,24 @@ TEST (DateButton, KeepsValidDatesInTheSupportedYears)
             EXPECT_EQ (changes, 1) << c.label << ": one change for the three columns";
         }
     }
-    /* Picking February after the 31st pulls the day back. */
+    /* Picking February after the 31st pulls the day back, and the day
+     * column offers February's days only, leap day by the year. */
+    KivoTouchSelector *selector = kivo_picker_button_get_selector (KIVO_PICKER_BUTTON (date));
+    auto days_offered = [&] { return gtk_tree_model_iter_n_children (kivo_touch_selector_get_model (selector, 0), NULL); };
     kivo_date_button_set_date (date, 2023, 0, 31);
-    kivo_touch_selector_set_active (kivo_picker_button_get_selector (KIVO_PICKER_BUTTON (date)), 1, 1);
+    EXPECT_EQ (days_offered (), 31);
+    kivo_touch_selector_set_active (selector, 1, 1);
     kivo_date_button_get_date (date, &y, &m, &d);
     EXPECT_EQ (y * 10000 + m * 100 + d, 2023u * 10000 + 1 * 100 + 28);
+    EXPECT_EQ (kivo_touch_selector_get_active (selector, 0), 27) << "the 28th is what shows selected";
+    EXPECT_EQ (days_offered (), 28);
+    kivo_touch_selector_set_active (selector, 2, 2024 - 1970);
+    EXPECT_EQ (days_offered (), 29);
+    kivo_touch_selector_set_active (selector, 0, 28);
+    kivo_touch_selector_set_active (selector, 2, 2023 - 1970);
+    kivo_date_button_get_date (date, &y, &m, &d);
+    EXPECT_EQ (y * 10000 + m * 100 + d, 2023u * 10000 + 1 * 100 + 28);
+    EXPECT_EQ (days_offered (), 28);
 }
 
 TEST (TimeButton, RoundTripsTimes)
