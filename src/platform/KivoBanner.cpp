@@ -76,8 +76,13 @@ on_banner_expose_cb (GtkWidget *banner, GdkEventExpose *event, gpointer)
     kivo_style_set_source (cr, KIVO_COLOR_BACKGROUND, 1.0);
     cairo_paint (cr);
     kivo_style_rounded_rect (cr, 0, 0, banner->allocation.width, banner->allocation.height, KIVO_CORNER_RADIUS);
-    kivo_style_set_source (cr, KIVO_COLOR_BANNER, 0.96);
-    cairo_fill (cr);
+    kivo_style_set_source (cr, KIVO_COLOR_BANNER, 1.0);
+    cairo_fill_preserve (cr);
+    /* An accent frame keeps the light banner apart from light content. */
+    cairo_set_operator (cr, CAIRO_OPERATOR_OVER);
+    cairo_set_line_width (cr, 2.0);
+    kivo_style_set_source (cr, KIVO_COLOR_ACCENT, 1.0);
+    cairo_stroke (cr);
     cairo_destroy (cr);
     gtk_container_propagate_expose (GTK_CONTAINER (banner), gtk_bin_get_child (GTK_BIN (banner)), event);
     return TRUE;

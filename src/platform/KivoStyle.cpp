@@ -16,7 +16,7 @@ constexpr KivoRgb kPalette[KIVO_COLOR_COUNT] = {
     { 0.122, 0.161, 0.200 }, /* text         #1F2933 */
     { 0.373, 0.420, 0.478 }, /* secondary    #5F6B7A */
     { 0.106, 0.157, 0.220 }, /* title bar    #1B2838 */
-    { 0.169, 0.212, 0.271 }, /* banner       #2B3645 */
+    { 0.976, 0.980, 0.988 }, /* banner       #F9FAFC: light, to stand out from the title bar */
 };
 
 /* Font sizes are in points; at 96 dpi 13 pt is about 18 px. */
@@ -102,8 +102,8 @@ const char kRc[] =
     "  font_name = \"Sans Bold 14\"\n"
     "}\n"
     "style \"kivo-banner\" {\n"
-    "  bg[NORMAL] = \"#2B3645\"\n"
-    "  fg[NORMAL] = \"#FFFFFF\"\n"
+    "  bg[NORMAL] = \"#F9FAFC\"\n"
+    "  fg[NORMAL] = \"#1F2933\"\n"
     "  font_name = \"Sans 13\"\n"
     "}\n"
     "class \"GtkWidget\" style \"kivo-default\"\n"

@@ -52,6 +52,15 @@ TEST (Banner, StacksClosesUpAndDisappearsByItself)
     gtk_widget_destroy (first);
     flush_events ();
     EXPECT_EQ (top_of (second), first_top) << "it moves up into the free place";
+    /* Light inside an accent frame, never dark on the dark title bar. */
+    gdk_window_process_all_updates ();
+    GdkPixbuf *shot = gdk_pixbuf_get_from_drawable (NULL, second->window, NULL, 12, second->allocation.height / 2,
+                                                    0, 0, 1, 1);
+    ASSERT_NE (shot, nullptr);
+    const guchar *inside = gdk_pixbuf_get_pixels (shot);
+    EXPECT_TRUE (inside[0] > 0xe0 && inside[1] > 0xe0 && inside[2] > 0xe0)
+        << int (inside[0]) << "," << int (inside[1]) << "," << int (inside[2]);
+    g_object_unref (shot);
 
     int destroyed = 0;
     count_signal (second, "destroy", &destroyed);

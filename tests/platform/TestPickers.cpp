@@ -49,6 +49,26 @@ TEST (KivoButton, IsAtLeastFingerOrThumbHigh)
         EXPECT_GE (request.height, c.min_height) << (c.value ? c.value : "no value");
         EXPECT_STREQ (value_of (button.widget), c.value);
     }
+    /* Shown with everything in its window, a button without an image
+     * starts its text at its inner border and keeps its value whole when
+     * the button is wide enough for both labels. */
+    GtkWidget *button = kivo_button_new_with_text (KIVO_SIZE_FINGER_HEIGHT, KIVO_BUTTON_ARRANGEMENT_HORIZONTAL,
+                                                   "Alarm tone", "Chime");
+    GtkWidget *window = make_test_window (320, 100, button);
+    GtkWidget *title = nullptr, *value = nullptr;
+    for (GtkWidget *w = gtk_bin_get_child (GTK_BIN (button)); GTK_IS_CONTAINER (w);) {
+        GList *children = gtk_container_get_children (GTK_CONTAINER (w));
+        w = GTK_WIDGET (g_list_last (children)->data);
+        if (GTK_IS_LABEL (g_list_first (children)->data)) {
+            title = GTK_WIDGET (g_list_first (children)->data);
+            value = w;
+        }
+        g_list_free (children);
+    }
+    ASSERT_TRUE (title && value);
+    EXPECT_LE (title->allocation.x - button->allocation.x, 24) << "no room kept for a missing image";
+    EXPECT_FALSE (pango_layout_is_ellipsized (gtk_label_get_layout (GTK_LABEL (value))));
+    gtk_widget_destroy (window);
 }
 
 TEST (PickerButton, ATapOnARowUpdatesTheValue)
