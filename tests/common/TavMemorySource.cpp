@@ -402,19 +402,6 @@ tav_memory_source_size (TavMemorySource *source)
     return static_cast<guint> (source->priv->items.size ());
 }
 
-TavCalendarEntry *
-tav_memory_source_find (TavMemorySource *source, const char *num_id)
-{
-    g_return_val_if_fail (TAV_IS_MEMORY_SOURCE (source), nullptr);
-    g_return_val_if_fail (num_id != NULL, nullptr);
-
-    for (const auto &item : source->priv->items) {
-        if (has_id (item.get (), num_id))
-            return item.get ();
-    }
-    return nullptr;
-}
-
 static GList *
 list_kind (TavMemorySource *source, Kind kind, const TavDateInterval *interval)
 {
@@ -446,13 +433,6 @@ tav_memory_source_list_tasks (TavMemorySource *source)
 {
     g_return_val_if_fail (TAV_IS_MEMORY_SOURCE (source), nullptr);
     return list_kind (source, Kind::Task, nullptr);
-}
-
-GList *
-tav_memory_source_list_notes (TavMemorySource *source)
-{
-    g_return_val_if_fail (TAV_IS_MEMORY_SOURCE (source), nullptr);
-    return list_kind (source, Kind::Note, nullptr);
 }
 
 GList *
@@ -577,9 +557,3 @@ tav_memory_source_calls (TavMemorySource *source, TavMemorySlot slot)
     return source->priv->calls[slot];
 }
 
-void
-tav_memory_source_reset_calls (TavMemorySource *source)
-{
-    g_return_if_fail (TAV_IS_MEMORY_SOURCE (source));
-    source->priv->calls.fill (0);
-}

@@ -1,9 +1,8 @@
 /* The month view widget under X: month selection and its limits, real
  * pointer events for taps and swipes, the activation signals, the entry
- * lists, and a rendered busy month kept as a PNG in the build directory. */
+ * lists, and what the painted grid shows. */
 #include "TestSupport.h"
 #include "ViewTestSupport.h"
-#include "BusyMonth.h"
 #include "TavCalendarColors.h"
 
 #include <cstring>
@@ -481,45 +480,3 @@ TEST_F (MonthWidget, ThemeImagesReplaceTheDrawnCells)
     g_object_unref (shot);
 }
 
-struct RenderCase {
-    const char *file;
-    int width, height;
-    int entries;
-    gboolean use_effects;
-};
-
-class MonthRender : public MonthWidget, public ::testing::WithParamInterface<RenderCase> {};
-
-TEST_P (MonthRender, BusyMonthToPng)
-{
-    const RenderCase &c = GetParam ();
-    MemorySourcePtr source (tav_memory_source_new ("Home", TavCalendarColorGreen, CalendarSourceTypeLocal));
-    TavDate today;
-    tav_date_init_today (&today);
-    fill_busy_month (source.get (), today.year, today.month, c.entries, 20090318);
-    connect_reader (TAV_CALENDAR_VIEW (calendar), source.get ());
-    g_object_set (calendar, "use-effects", c.use_effects, NULL);
-    tav_calendar_select_current_month (calendar);
-    show (c.width, c.height);
-    gdk_window_resize (window->window, c.width, c.height);
-    run_main_loop_until ([&] { return GTK_WIDGET (calendar)->allocation.width == c.width; }, 2000);
-    gdk_window_invalidate_rect (GTK_WIDGET (calendar)->window, NULL, TRUE);
-    repaint ();
-
-    GList *month = tav_calendar_get_entries_for_active_month (calendar);
-    EXPECT_GT (g_list_length (month), 20u) << "the month was read";
-    g_list_free_full (month, g_object_unref);
-    /* Rendered off screen, so a widget larger than the X screen is whole. */
-    GdkPixbuf *shot = widget_snapshot (GTK_WIDGET (calendar));
-    ASSERT_NE (shot, nullptr);
-    EXPECT_EQ (gdk_pixbuf_get_width (shot), c.width);
-    const std::string path = std::string (TAV_BUILD_ROOT) + "/" + c.file;
-    EXPECT_TRUE (gdk_pixbuf_save (shot, path.c_str (), "png", NULL, NULL));
-    g_object_unref (shot);
-    RecordProperty ("png", path);
-}
-
-INSTANTIATE_TEST_SUITE_P (Paint, MonthRender, ::testing::Values (
-    RenderCase { "month-view-busy-800x600.png", 800, 600, 110, FALSE },
-    RenderCase { "month-view-busy-480x360.png", 480, 360, 110, FALSE },
-    RenderCase { "month-view-busy-1920x1080.png", 1920, 1080, 160, TRUE }));
