@@ -3,6 +3,7 @@
 #include "KivoButton.h"
 #include "KivoCheckButton.h"
 #include "KivoDateButton.h"
+#include "KivoTouchSelector.h"
 #include "KivoEntry.h"
 #include "KivoIconSize.h"
 #include "KivoPickerButton.h"
@@ -11,6 +12,7 @@
 #include "TestSupport.h"
 
 #include <string>
+#include <tuple>
 
 using namespace tav::test;
 
@@ -190,6 +192,46 @@ TEST (DateButton, KeepsValidDatesInTheSupportedYears)
     kivo_date_button_get_date (date, &y, &m, &d);
     EXPECT_EQ (y * 10000 + m * 100 + d, 2023u * 10000 + 1 * 100 + 28);
     EXPECT_EQ (days_offered (), 28);
+}
+
+/* The selected rows of all columns stand on one line, the middle of the
+ * columns, even the first and the last row of a column. */
+TEST (TouchSelector, SelectedRowsLineUpInTheMiddle)
+{
+    REQUIRE_DISPLAY ();
+    GtkWidget *selector = kivo_touch_selector_new ();
+    auto *touch = KIVO_TOUCH_SELECTOR (selector);
+    for (int rows : { 31, 12, 68 }) {
+        GtkListStore *store = gtk_list_store_new (1, G_TYPE_STRING);
+        for (int i = 0; i < rows; i++)
+            gtk_list_store_insert_with_values (store, NULL, -1, 0, std::to_string (i + 1).c_str (), -1);
+        kivo_touch_selector_append_text_column (touch, GTK_TREE_MODEL (store), TRUE);
+        g_object_unref (store);
+    }
+    GtkWidget *window = make_test_window (600, 400, selector);
+    for (auto [day, month, year] : { std::tuple (0, 11, 56), std::tuple (30, 0, 67), std::tuple (15, 6, 0) }) {
+        kivo_touch_selector_set_active (touch, 0, day);
+        kivo_touch_selector_set_active (touch, 1, month);
+        kivo_touch_selector_set_active (touch, 2, year);
+        flush_events ();
+        std::string middles;
+        for (int c = 0; c < 3; c++) {
+            GtkWidget *view = kivo_touch_selector_get_column_view (touch, c);
+            GtkTreePath *path = gtk_tree_path_new_from_indices (c == 0 ? day : c == 1 ? month : year, -1);
+            GdkRectangle row;
+            gtk_tree_view_get_background_area (GTK_TREE_VIEW (view), path, NULL, &row);
+            gtk_tree_path_free (path);
+            int bx = 0, by = 0, ax = 0, ay = 0;
+            gdk_window_get_origin (gtk_tree_view_get_bin_window (GTK_TREE_VIEW (view)), &bx, &by);
+            gdk_window_get_origin (selector->window, &ax, &ay);
+            middles += std::to_string (by + row.y + row.height / 2 - ay - selector->allocation.y) + " ";
+        }
+        const int middle = selector->allocation.height / 2;
+        EXPECT_EQ (middles, std::string (3, ' ').replace (0, 3, "") + std::to_string (middle) + " " +
+                                std::to_string (middle) + " " + std::to_string (middle) + " ")
+            << day << "/" << month << "/" << year;
+    }
+    gtk_widget_destroy (window);
 }
 
 TEST (TimeButton, RoundTripsTimes)
