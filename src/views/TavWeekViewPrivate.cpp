@@ -347,14 +347,7 @@ static GList *insert_after_equals (GList *list, gpointer data, GCompareFunc comp
         last_not_after = l;
     if (!last_not_after)
         return g_list_prepend (list, data);
-    /* g_list_insert_before with the next link, or an append at the end. */
-    if (!last_not_after->next) {
-        GList *link = g_list_alloc ();
-        link->data = data;
-        link->prev = last_not_after;
-        last_not_after->next = link;
-        return list;
-    }
+    /* Before the next link; with none, at the end. */
     return g_list_insert_before (list, last_not_after->next, data);
 }
 
