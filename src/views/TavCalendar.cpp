@@ -185,6 +185,16 @@ static void
 calendar_recalculate_entries_for_all_cells (TavCalendarView *view)
 {
     TavCalendar *calendar = TAV_CALENDAR (view);
+    /* Lines already shown may belong in other lanes once others arrive
+     * (an event that had lane 0 moves down on the days a longer bar now
+     * covers, and must keep one lane along its bar): every cell gives its
+     * lines back to its buffer, and the pass lays the month out as a fresh
+     * read would. In a fresh read the cells are empty and this costs
+     * nothing. */
+    for (auto &cell : calendar->priv->cells) {
+        calendar_cell_drop_back_all_entries (&cell);
+        cell.dirty = !cell.buffer.empty ();
+    }
     calendar_grid_recalculate (calendar->priv->cells, processor_of (calendar), calendar->priv->optimization,
                                invalidate_cell_cb, calendar);
     /* Bar marks of rows that did not change may follow from rows that did
@@ -391,21 +401,6 @@ tav_calendar_add_entry_for_timestamp_cb (TavCalendarView *view, const TavTimesta
     return calendar_grid_add_entry_instance (calendar->priv->cells, processor_of (calendar), instance_start, entry);
 }
 
-/* After a change outside a read every line may belong in another lane (an
- * event that kept clear of a removed one moves up on some of its days, and
- * its bar must stay one bar): every cell gives its lines back to its buffer
- * and the grid pass lays the month out as a fresh read would. It also
- * repaints the grid. recalculate_entries never reaches this view. */
-static void
-relayout_all_cells (TavCalendar *calendar)
-{
-    for (auto &cell : calendar->priv->cells) {
-        calendar_cell_drop_back_all_entries (&cell);
-        cell.dirty = !cell.buffer.empty ();
-    }
-    calendar_recalculate_entries_for_all_cells (TAV_CALENDAR_VIEW (calendar));
-}
-
 static gboolean
 tav_calendar_remove_entry (TavCalendarView *view, TavCalendarEntry *entry)
 {
@@ -418,8 +413,10 @@ tav_calendar_remove_entry (TavCalendarView *view, TavCalendarEntry *entry)
             changed = TRUE;
         }
     }
+    /* recalculate_entries never reaches this view: the grid pass runs here
+     * (and repaints the grid). */
     if (changed)
-        relayout_all_cells (calendar);
+        calendar_recalculate_entries_for_all_cells (view);
     return changed;
 }
 
@@ -431,7 +428,7 @@ tav_calendar_add_entry (TavCalendarView *view, TavCalendarEntry *entry)
     auto parent = TAV_CALENDAR_VIEW_CLASS (tav_calendar_parent_class);
     const gboolean added = parent->add_entry (view, entry);
     if (added && !tav_calendar_view_is_frozen (view))
-        relayout_all_cells (TAV_CALENDAR (view));
+        calendar_recalculate_entries_for_all_cells (view);
     return added;
 }
 

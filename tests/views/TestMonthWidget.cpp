@@ -312,11 +312,18 @@ TEST_F (MonthWidget, RemovingOrAddingOutsideAReadLinesUpLikeAFreshRead)
     tav_memory_source_remove (source.get (), y);
     EXPECT_TRUE (same (removed, reread ())) << "X's bar must still reach Thursday";
 
+    /* Added alone, as the window adds an entry, and added in a freeze. */
     tav_memory_source_add (source.get (), y);
     EXPECT_TRUE (tav_calendar_view_add_entry (view, y));
     tav_calendar_view_recalculate_entries (view);
     repaint ();
     EXPECT_TRUE (same (widget_snapshot (GTK_WIDGET (calendar)), both));
+    EXPECT_TRUE (tav_calendar_view_remove_entry (view, y));
+    tav_calendar_view_freeze (view);
+    EXPECT_TRUE (tav_calendar_view_add_entry (view, y));
+    tav_calendar_view_thaw (view);
+    repaint ();
+    EXPECT_TRUE (same (widget_snapshot (GTK_WIDGET (calendar)), reread ()));
     g_object_unref (y);
 }
 
