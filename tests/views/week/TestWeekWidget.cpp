@@ -348,7 +348,11 @@ TEST (WeekAllDay, ACrowdedDayGrowsTheBarToSevenSlotsAndTheSeventhOpensTheDay)
     f.add (make_event ("Trip to Rome", TavDate { 2009, 2, 10 }, 0, 0, 0, 0, 4, TRUE, 3));
     f.add (make_event ("Early call", TavDate { 2009, 2, 12 }, 7, 30, 8, 30, 7));
     tav_week_view_snap_to_all_day_bar (f.view);
-    f.shot ("week-view-crowded.png");
+    tav::GRefPtr<GdkPixbuf> shot = f.shot ("week-view-crowded.png");
+    /* The seventh slot is the light "+n" field. */
+    GdkRectangle more = tav::week::all_day_entry_rect (f.priv (), f.table_width (), 2, 6);
+    EXPECT_EQ (rgb_at (shot.get (), tav::week::kHourColumnWidth + more.x + 3,
+                       tav::week::kHeaderHeight + f.win_y (more.y + more.height / 2)), 0xd1d9e3u);
 }
 
 TEST (WeekEntries, BadInputIsRefusedWithItsMessage)
