@@ -5,6 +5,8 @@
  * the shown month emits "day-activated", a tap on a week number
  * "week-activated"; a swipe pages to the next or previous month. The years
  * 1970 to 2037 can be shown; leaving them emits "year-limit-reached::0".
+ * The month view does not implement refresh_entry (the call only warns):
+ * remove a changed entry and add it again. clear_entries empties every cell.
  */
 #ifndef TAV_CALENDAR_H
 #define TAV_CALENDAR_H

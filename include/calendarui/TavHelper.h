@@ -48,7 +48,7 @@ TAV_API int      loggingPath                  (void);
 TAV_API gboolean tav_message_use_syslog       (void);
 /**
  * checkFileExists:
- * @path: a file system path
+ * @path: a file system path (NULL is refused with a critical: FALSE)
  *
  * Returns: TRUE unless asking the file system about @path fails with ENOENT.
  */

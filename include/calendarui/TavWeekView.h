@@ -47,7 +47,8 @@ TAV_API GType      tav_week_view_get_type                       (void) G_GNUC_CO
 /**
  * tav_week_view_new:
  *
- * Returns: (transfer floating): a new week view showing the week of today.
+ * Returns: (transfer floating): a new week view presenting the week of
+ * today; it asks for its entries once it is given a week.
  */
 TAV_API GtkWidget *tav_week_view_new                            (void);
 
@@ -64,7 +65,8 @@ TAV_API void       tav_week_view_set_presented_interval_thisweek (TavWeekView *w
  * @week_view: a week view
  * @date: a day of the week to show
  *
- * Shows the week that holds @date.
+ * Shows the week that holds @date. An invalid @date is a critical; a date
+ * outside the years 1970 to 2037 emits "year-limit-reached::0" instead.
  */
 TAV_API void       tav_week_view_set_presented_interval_by_date (TavWeekView *week_view, const TavDate *date);
 

@@ -246,7 +246,7 @@ int week_number (const Priv &priv, const TavDate &date)
     }
     /* Days of the week that holds the next 1 January, when that week is
      * the next year's week 1. */
-    if (date.month == 11 && pn <= 3 && 31 - date.day < pn)
+    if (date.month == 11 && pn <= 3 && date.day > 31 - pn)
         return 1;
     const int64_t month = date.month;
     const int64_t week = 4 * month + (p1 <= 3 ? 1 : 0)

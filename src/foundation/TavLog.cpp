@@ -53,6 +53,7 @@ tav_log_set_sink (TavLogSink sink, gpointer data)
 gboolean
 checkFileExists (const char *path)
 {
+    g_return_val_if_fail (path != NULL, FALSE);
     struct statfs info;
 
     if (statfs (path, &info) == 0)

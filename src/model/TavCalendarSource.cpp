@@ -218,18 +218,15 @@ void stamp_with_source (TavCalendarSource *source, TavCalendarEntry *entry)
     g_object_set (entry, "source", source, "color", color, nullptr);
 }
 
-/* Calls one of the create slots. When the host filled it, the new object
- * carries the source and its colour whatever the store answered; with the
- * slot empty nothing was stored, so there is nothing to stamp and the call
- * only reports the missing method. */
+/* Calls one of the create slots. The new object carries the source and its
+ * colour afterwards whatever happened, also when the host left the slot
+ * empty: the editor that made it reads them back. */
 int create_and_stamp (const char *wrapper, TavCalendarSource *source,
                       int (*TavCalendarSourceClass::*member) (TavCalendarSource *, TavCalendarEntry *),
                       const char *name, TavCalendarEntry *entry)
 {
-    bool filled = TAV_CALENDAR_SOURCE_GET_CLASS (source)->*member != nullptr;
     int retval = call_slot (wrapper, source, member, name, int (CalendarDefaultError), entry);
-    if (filled)
-        stamp_with_source (source, entry);
+    stamp_with_source (source, entry);
     return retval;
 }
 
@@ -318,9 +315,7 @@ tav_calendar_source_create_entry (TavCalendarSource *source, TavCalendarEntry *e
     g_return_val_if_fail (TAV_IS_CALENDAR_ENTRY(entry), CalendarDefaultError);
 
     int retval = CREATE_AND_STAMP (create_entry, entry);
-    /* Only a store that ran has a result worth logging. */
-    if (TAV_CALENDAR_SOURCE_GET_CLASS (source)->create_entry)
-        TAV_WARNING ("retval is %d", retval);
+    TAV_WARNING ("retval is %d", retval);
     return retval;
 }
 

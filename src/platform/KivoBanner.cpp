@@ -76,8 +76,13 @@ on_banner_expose_cb (GtkWidget *banner, GdkEventExpose *event, gpointer)
     kivo_style_set_source (cr, KIVO_COLOR_BACKGROUND, 1.0);
     cairo_paint (cr);
     kivo_style_rounded_rect (cr, 0, 0, banner->allocation.width, banner->allocation.height, KIVO_CORNER_RADIUS);
-    kivo_style_set_source (cr, KIVO_COLOR_BANNER, 0.96);
-    cairo_fill (cr);
+    kivo_style_set_source (cr, KIVO_COLOR_BANNER, 1.0);
+    cairo_fill_preserve (cr);
+    /* An accent frame keeps the light banner apart from light content. */
+    cairo_set_operator (cr, CAIRO_OPERATOR_OVER);
+    cairo_set_line_width (cr, 2.0);
+    kivo_style_set_source (cr, KIVO_COLOR_ACCENT, 1.0);
+    cairo_stroke (cr);
     cairo_destroy (cr);
     gtk_container_propagate_expose (GTK_CONTAINER (banner), gtk_bin_get_child (GTK_BIN (banner)), event);
     return TRUE;
@@ -109,8 +114,9 @@ kivo_banner_show_information (GtkWidget *widget, const char *icon_name, const ch
     gtk_widget_set_name (label, "kivo-banner-label");
     gtk_label_set_line_wrap (GTK_LABEL (label), TRUE);
     gtk_label_set_justify (GTK_LABEL (label), GTK_JUSTIFY_CENTER);
-    GdkColor white = { 0, 0xffff, 0xffff, 0xffff };
-    gtk_widget_modify_fg (label, GTK_STATE_NORMAL, &white);
+    const KivoRgb ink = kivo_style_color (KIVO_COLOR_TEXT);
+    GdkColor text_color = { 0, guint16 (ink.r * 65535), guint16 (ink.g * 65535), guint16 (ink.b * 65535) };
+    gtk_widget_modify_fg (label, GTK_STATE_NORMAL, &text_color);
     gtk_box_pack_start (GTK_BOX (row), label, TRUE, TRUE, 0);
     gtk_container_add (GTK_CONTAINER (banner), row);
     g_object_set_data (G_OBJECT (banner), kLabelKey, label);

@@ -205,6 +205,9 @@ kivo_button_init (KivoButton *button)
 
     priv->box = gtk_hbox_new (FALSE, KIVO_MARGIN_DOUBLE);
     priv->image_slot = gtk_alignment_new (0.5, 0.5, 0, 0);
+    /* Without an image the slot takes no room (nor the box's spacing),
+     * even in a window shown with gtk_widget_show_all. */
+    gtk_widget_set_no_show_all (priv->image_slot, TRUE);
     priv->title = gtk_label_new (nullptr);
     gtk_misc_set_alignment (GTK_MISC (priv->title), 0.0, 0.5);
     gtk_label_set_ellipsize (GTK_LABEL (priv->title), PANGO_ELLIPSIZE_END);

@@ -90,14 +90,38 @@ print_time (KivoTouchSelector *selector, gpointer)
     return g_strdup_printf ("%02d:%02d", hours, minutes);
 }
 
+/* The day column offers the days of the selected month only: rows 29 to 31
+ * come and go with the month and the year, and a day the new month lacks
+ * moves back to its last day before its row goes. */
+void
+fit_days_to_month (KivoTouchSelector *selector)
+{
+    const gint m = kivo_touch_selector_get_active (selector, MONTH_COLUMN);
+    const gint y = kivo_touch_selector_get_active (selector, YEAR_COLUMN);
+    if (m < 0 || y < 0)
+        return;
+    const gint days = g_date_get_days_in_month (static_cast<GDateMonth> (m + 1),
+                                                static_cast<GDateYear> (KIVO_DATE_BUTTON_MIN_YEAR + y));
+    GtkListStore *store = GTK_LIST_STORE (kivo_touch_selector_get_model (selector, DAY_COLUMN));
+    if (kivo_touch_selector_get_active (selector, DAY_COLUMN) >= days)
+        kivo_touch_selector_set_active (selector, DAY_COLUMN, days - 1);
+    gint rows = gtk_tree_model_iter_n_children (GTK_TREE_MODEL (store), nullptr);
+    GtkTreeIter iter;
+    for (; rows > days; rows--)
+        if (gtk_tree_model_iter_nth_child (GTK_TREE_MODEL (store), &iter, nullptr, rows - 1))
+            gtk_list_store_remove (store, &iter);
+    for (; rows < days; rows++) {
+        char text[8];
+        g_snprintf (text, sizeof text, "%d", rows + 1);
+        gtk_list_store_insert_with_values (store, nullptr, -1, 0, text, -1);
+    }
+}
+
 void
 on_date_changed_cb (KivoTouchSelector *selector, gint column, gpointer)
 {
-    /* 31 February becomes 28 (or 29) February as soon as it is picked. */
-    guint year = 0, month = 0, day = 0;
-    if (column != DAY_COLUMN && selected_date (selector, &year, &month, &day)
-        && kivo_touch_selector_get_active (selector, DAY_COLUMN) != static_cast<gint> (day) - 1)
-        kivo_touch_selector_set_active (selector, DAY_COLUMN, day - 1);
+    if (column != DAY_COLUMN)
+        fit_days_to_month (selector);
 }
 
 } // namespace

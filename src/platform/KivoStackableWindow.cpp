@@ -142,6 +142,12 @@ kivo_stackable_window_key_press_event (GtkWidget *widget, GdkEventKey *event)
     /* F4 is the handheld's menu key. */
     if (event->keyval == GDK_F4 && kivo_stackable_window_open_main_menu (KIVO_STACKABLE_WINDOW (widget)))
         return TRUE;
+    /* Escape goes back, as the back button does, where there is a way back. */
+    KivoStackableWindow *window = KIVO_STACKABLE_WINDOW (widget);
+    if (event->keyval == GDK_Escape && gtk_widget_get_visible (window->priv->back_button)) {
+        kivo_stackable_window_request_close (window);
+        return TRUE;
+    }
     return GTK_WIDGET_CLASS (kivo_stackable_window_parent_class)->key_press_event (widget, event);
 }
 

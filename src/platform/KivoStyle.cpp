@@ -16,7 +16,7 @@ constexpr KivoRgb kPalette[KIVO_COLOR_COUNT] = {
     { 0.122, 0.161, 0.200 }, /* text         #1F2933 */
     { 0.373, 0.420, 0.478 }, /* secondary    #5F6B7A */
     { 0.106, 0.157, 0.220 }, /* title bar    #1B2838 */
-    { 0.169, 0.212, 0.271 }, /* banner       #2B3645 */
+    { 0.976, 0.980, 0.988 }, /* banner       #F9FAFC: light, to stand out from the title bar */
 };
 
 /* Font sizes are in points; at 96 dpi 13 pt is about 18 px. */
@@ -102,8 +102,8 @@ const char kRc[] =
     "  font_name = \"Sans Bold 14\"\n"
     "}\n"
     "style \"kivo-banner\" {\n"
-    "  bg[NORMAL] = \"#2B3645\"\n"
-    "  fg[NORMAL] = \"#FFFFFF\"\n"
+    "  bg[NORMAL] = \"#F9FAFC\"\n"
+    "  fg[NORMAL] = \"#1F2933\"\n"
     "  font_name = \"Sans 13\"\n"
     "}\n"
     "class \"GtkWidget\" style \"kivo-default\"\n"
@@ -403,6 +403,8 @@ kivo_style_decorate_dialog (GtkWidget *window, const char *title)
     }
 }
 
+static bool s_rc_done = false;
+
 void
 kivo_style_init (void)
 {
@@ -425,10 +427,15 @@ kivo_style_init (void)
         klass->draw_flat_box = kivo_draw_flat_box;
         g_once_init_leave (&drawing_done, 1);
     }
-    static bool rc_done = false;
-    if (!rc_done && gdk_display_get_default ()) {
-        rc_done = true;
+    if (!s_rc_done && gdk_display_get_default ()) {
+        s_rc_done = true;
         gtk_rc_parse_string (kRc);
         gtk_rc_reset_styles (gtk_settings_get_default ());
     }
+}
+
+gboolean
+kivo_style_installed (void)
+{
+    return s_rc_done;
 }

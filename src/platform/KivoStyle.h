@@ -28,8 +28,13 @@ typedef enum {
     KIVO_SIZE_THUMB_HEIGHT = 2,
 } KivoSizeType;
 
-/* Installs the layer's style once per process (needs an open display). */
+/* Installs the layer's style once per process (needs an open display).
+ * Every widget of the library calls it when it is made, so the style is in
+ * place before the first window shows: installing it later restyles (and
+ * resizes) what is already on screen. */
 void kivo_style_init (void);
+/* Whether the style's resources are installed. */
+gboolean kivo_style_installed (void);
 
 /* The layer's palette, as 0..1 RGB. */
 typedef struct {

@@ -17,13 +17,40 @@ enum {
 
 static guint signals[N_SIGNALS];
 
+/* Four and a half rows: the rows around the selection show it is a list. */
+constexpr int kSelectorHeight = 4 * KIVO_FINGER_HEIGHT + KIVO_FINGER_HEIGHT / 2;
+
 namespace {
 
 struct Column {
     GtkWidget *area = nullptr;
     GtkWidget *view = nullptr;
+    /* Blank space above and below the rows, half a page each, so that any
+     * row, the first and the last too, can stand in the middle: the
+     * selected rows of all columns then line up. */
+    GtkWidget *above = nullptr, *below = nullptr;
     tav::GRefPtr<GtkTreeModel> model;
 };
+
+/* Scrolls @column so its selected row stands in the middle of the column. */
+void
+center_column (const Column &column)
+{
+    GtkTreeIter iter;
+    GtkTreeModel *model = nullptr;
+    GtkTreeSelection *selection = gtk_tree_view_get_selection (GTK_TREE_VIEW (column.view));
+    if (!gtk_tree_selection_get_selected (selection, &model, &iter) || !gtk_widget_get_realized (column.view))
+        return;
+    GtkTreePath *path = gtk_tree_model_get_path (model, &iter);
+    GdkRectangle row;
+    gtk_tree_view_get_background_area (GTK_TREE_VIEW (column.view), path, nullptr, &row);
+    gtk_tree_path_free (path);
+    GtkAdjustment *adjustment = kivo_pannable_area_get_vadjustment (KIVO_PANNABLE_AREA (column.area));
+    const double page = gtk_adjustment_get_page_size (adjustment);
+    const double value = column.above->allocation.height + row.y + row.height / 2.0 - page / 2.0;
+    gtk_adjustment_set_value (adjustment, CLAMP (value, gtk_adjustment_get_lower (adjustment),
+                                                 gtk_adjustment_get_upper (adjustment) - page));
+}
 
 } // namespace
 
@@ -38,6 +65,27 @@ struct _KivoTouchSelectorPrivate {
 G_DEFINE_TYPE_WITH_PRIVATE (KivoTouchSelector, kivo_touch_selector, GTK_TYPE_VBOX)
 
 /* Callbacks */
+
+/* The blank space follows the column's height; the selection stays in the
+ * middle. */
+static void
+on_area_size_allocate_cb (GtkWidget *area, GtkAllocation *allocation, gpointer data)
+{
+    auto *selector = KIVO_TOUCH_SELECTOR (data);
+    for (const Column &column : selector->priv->columns) {
+        if (column.area != area)
+            continue;
+        const int half = MAX (0, (allocation->height - KIVO_FINGER_HEIGHT) / 2);
+        int current = -1;
+        gtk_widget_get_size_request (column.above, nullptr, &current);
+        if (current != half) {
+            gtk_widget_set_size_request (column.above, -1, half);
+            gtk_widget_set_size_request (column.below, -1, half);
+        }
+        center_column (column);
+    }
+}
+
 
 static void
 on_selection_changed_cb (GtkTreeSelection *selection, gpointer data)
@@ -100,7 +148,7 @@ kivo_touch_selector_init (KivoTouchSelector *selector)
     selector->priv->row = gtk_hbox_new (TRUE, KIVO_MARGIN_DEFAULT);
     gtk_box_pack_start (GTK_BOX (selector), selector->priv->row, TRUE, TRUE, 0);
     gtk_widget_show (selector->priv->row);
-    gtk_widget_set_size_request (GTK_WIDGET (selector), -1, 4 * KIVO_FINGER_HEIGHT + KIVO_FINGER_HEIGHT / 2);
+    gtk_widget_set_size_request (GTK_WIDGET (selector), -1, kSelectorHeight);
 }
 
 /* Public API */
@@ -143,7 +191,22 @@ kivo_touch_selector_append_text_column (KivoTouchSelector *selector, GtkTreeMode
     column.area = kivo_pannable_area_new ();
     g_object_set (column.area, "hovershoot-max", 0, "vovershoot-max", 60,
                   "hscrollbar-policy", GTK_POLICY_NEVER, nullptr);
-    gtk_container_add (GTK_CONTAINER (column.area), column.view);
+    GtkWidget *rows = gtk_vbox_new (FALSE, 0);
+    column.above = gtk_event_box_new ();
+    column.below = gtk_event_box_new ();
+    const KivoRgb rgb = kivo_style_color (KIVO_COLOR_SURFACE);
+    GdkColor surface = { 0, guint16 (rgb.r * 65535), guint16 (rgb.g * 65535), guint16 (rgb.b * 65535) };
+    /* Sized for the selector's own height from the start; a taller or
+     * shorter column resizes them when it is allocated. */
+    for (GtkWidget *blank : { column.above, column.below }) {
+        gtk_widget_modify_bg (blank, GTK_STATE_NORMAL, &surface);
+        gtk_widget_set_size_request (blank, -1, (kSelectorHeight - KIVO_FINGER_HEIGHT) / 2);
+    }
+    gtk_box_pack_start (GTK_BOX (rows), column.above, FALSE, FALSE, 0);
+    gtk_box_pack_start (GTK_BOX (rows), column.view, FALSE, FALSE, 0);
+    gtk_box_pack_start (GTK_BOX (rows), column.below, FALSE, FALSE, 0);
+    kivo_pannable_area_add_with_viewport (KIVO_PANNABLE_AREA (column.area), rows);
+    g_signal_connect (column.area, "size-allocate", G_CALLBACK (on_area_size_allocate_cb), selector);
     gtk_box_pack_start (GTK_BOX (selector->priv->row), column.area, TRUE, TRUE, 0);
     gtk_widget_show_all (column.area);
     selector->priv->columns.push_back (std::move (column));
@@ -228,11 +291,7 @@ kivo_touch_selector_set_active (KivoTouchSelector *selector, gint column, gint i
         return;
     }
     gtk_tree_selection_select_iter (selection, &iter);
-    if (gtk_widget_get_realized (c->view)) {
-        GtkTreePath *path = gtk_tree_model_get_path (c->model.get (), &iter);
-        gtk_tree_view_scroll_to_cell (GTK_TREE_VIEW (c->view), path, nullptr, TRUE, 0.5, 0.0);
-        gtk_tree_path_free (path);
-    }
+    center_column (*c);
 }
 
 gchar *
@@ -278,16 +337,8 @@ void
 kivo_touch_selector_center_on_selected (KivoTouchSelector *selector)
 {
     g_return_if_fail (KIVO_IS_TOUCH_SELECTOR (selector));
-    for (Column &column : selector->priv->columns) {
-        GtkTreeIter iter;
-        GtkTreeModel *model = nullptr;
-        GtkTreeSelection *selection = gtk_tree_view_get_selection (GTK_TREE_VIEW (column.view));
-        if (!gtk_tree_selection_get_selected (selection, &model, &iter) || !gtk_widget_get_realized (column.view))
-            continue;
-        GtkTreePath *path = gtk_tree_model_get_path (model, &iter);
-        gtk_tree_view_scroll_to_cell (GTK_TREE_VIEW (column.view), path, nullptr, TRUE, 0.5, 0.0);
-        gtk_tree_path_free (path);
-    }
+    for (const Column &column : selector->priv->columns)
+        center_column (column);
 }
 
 GtkWidget *

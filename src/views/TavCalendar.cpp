@@ -185,6 +185,16 @@ static void
 calendar_recalculate_entries_for_all_cells (TavCalendarView *view)
 {
     TavCalendar *calendar = TAV_CALENDAR (view);
+    /* Lines already shown may belong in other lanes once others arrive
+     * (an event that had lane 0 moves down on the days a longer bar now
+     * covers, and must keep one lane along its bar): every cell gives its
+     * lines back to its buffer, and the pass lays the month out as a fresh
+     * read would. In a fresh read the cells are empty and this costs
+     * nothing. */
+    for (auto &cell : calendar->priv->cells) {
+        calendar_cell_drop_back_all_entries (&cell);
+        cell.dirty = !cell.buffer.empty ();
+    }
     calendar_grid_recalculate (calendar->priv->cells, processor_of (calendar), calendar->priv->optimization,
                                invalidate_cell_cb, calendar);
     /* Bar marks of rows that did not change may follow from rows that did
@@ -403,10 +413,10 @@ tav_calendar_remove_entry (TavCalendarView *view, TavCalendarEntry *entry)
             changed = TRUE;
         }
     }
-    if (changed && GTK_WIDGET_REALIZED (GTK_WIDGET (calendar))) {
-        calendar->priv->cells_image_stale = TRUE;
-        gdk_window_invalidate_rect (calendar->priv->cells_win, NULL, FALSE);
-    }
+    /* recalculate_entries never reaches this view: the grid pass runs here
+     * (and repaints the grid). */
+    if (changed)
+        calendar_recalculate_entries_for_all_cells (view);
     return changed;
 }
 
@@ -417,6 +427,18 @@ tav_calendar_clear_entries (TavCalendarView *view)
     TavCalendar *calendar = TAV_CALENDAR (view);
     empty_cells (calendar);
     calendar_recalculate_entries_for_all_cells (view);
+}
+
+/* An entry added outside a read (no freeze, so no thaw will run the grid
+ * pass) is lined up at once. */
+static gboolean
+tav_calendar_add_entry (TavCalendarView *view, TavCalendarEntry *entry)
+{
+    auto parent = TAV_CALENDAR_VIEW_CLASS (tav_calendar_parent_class);
+    const gboolean added = parent->add_entry (view, entry);
+    if (added && !tav_calendar_view_is_frozen (view))
+        calendar_recalculate_entries_for_all_cells (view);
+    return added;
 }
 
 static gboolean
@@ -553,7 +575,7 @@ tav_calendar_size_request (GtkWidget *widget, GtkRequisition *requisition)
 static void
 compute_geometry (TavCalendarPrivate *priv, const GtkAllocation *allocation)
 {
-    const int header = CLAMP (allocation->height / 18, 18, 40);
+    const int header = CLAMP (allocation->height / 18, 22, 40); /* room for 13-pixel day names */
     const int week = CLAMP (allocation->width / 16, 26, 64);
     priv->cell_width = MAX (1, (allocation->width - week) / NColumns);
     priv->cell_height = MAX (1, (allocation->height - header) / NRows);
@@ -819,6 +841,7 @@ tav_calendar_class_init (TavCalendarClass *klass)
     widget_class->expose_event = tav_calendar_expose_event;
     widget_class->style_set = tav_calendar_style_set;
 
+    view_class->add_entry = tav_calendar_add_entry;
     view_class->add_entry_instance = tav_calendar_add_entry_for_timestamp_cb;
     view_class->remove_entry = tav_calendar_remove_entry;
     view_class->clear_entries = tav_calendar_clear_entries;

@@ -14,6 +14,7 @@
 #include "TavCalendarEntryInternal.h"
 #include "TavCalendarTask.h"
 #include "TavCalendarViewPrivate.h"
+#include "KivoStyle.h"
 #include "TavGPtr.h"
 #include "TavHelper.h"
 #include "TavLog.h"
@@ -262,6 +263,10 @@ tav_calendar_view_init (TavCalendarView *view)
     void *memory = tav_calendar_view_get_instance_private (view);
     view->priv = new (memory) TavCalendarViewPrivate ();
     view->priv->processor = tav::adoptGRef (tav_calendar_processor_new ());
+    /* The views' menus and pickers are styled by the platform layer: its
+     * style goes in now, before the window holding the view shows, and not
+     * with the first menu (which would restyle the running application). */
+    kivo_style_init ();
 }
 
 /* Public API ---------------------------------------------------------------- */

@@ -15,4 +15,16 @@
 gboolean tav_calendar_view_instance_span (TavCalendarProcessor *processor, const TavDateInterval *span,
                                           const TavDate *instance_date, TavDateInterval *result);
 
+
+/* Whether a timed event over several days shows on its last day: only when
+ * it still runs in that day's first hour or later, so an event that ends at
+ * hour 0 (at midnight, typically) leaves its end day empty. The month and
+ * the week view both place multi-day pieces by this rule. The hour counts
+ * from the instance's start hour, as a moved instance keeps its length. */
+static inline gboolean
+tav_calendar_view_last_day_has_piece (int instance_start_hour, int start_hour, int end_hour)
+{
+    return instance_start_hour + (end_hour - start_hour) >= 1;
+}
+
 #endif /* TAV_CALENDAR_VIEW_PRIVATE_H */

@@ -173,13 +173,18 @@ struct CellMetrics {
     double line_h, line_px;
     int rows;
 
+    /* GtkCalendar draws its day numbers in the default 10-point font, 13
+     * pixels at 96 dpi: no text of a cell is smaller. A small cell shows
+     * fewer lines rather than smaller ones. */
+    static constexpr double kMinTextPx = 13.0;
+
     CellMetrics (int cell_width, int cell_height)
     {
         pad = std::max (2.0, std::floor (cell_width / 40.0));
-        label_px = std::clamp (cell_height * 0.16, 10.0, 24.0);
+        label_px = std::clamp (cell_height * 0.16, kMinTextPx, 24.0);
         label_h = std::ceil (label_px * 1.4);
-        line_h = std::floor (std::clamp (cell_height / 6.6, 12.0, 21.0));
-        line_px = line_h * 0.66;
+        line_h = std::floor (std::clamp (cell_height / 6.6, std::ceil (kMinTextPx * 1.3), 24.0));
+        line_px = std::max (kMinTextPx, line_h * 0.66);
         rows = std::max (0, (int) ((cell_height - label_h - pad) / line_h));
     }
 };
@@ -508,7 +513,7 @@ month_paint_header (cairo_t *cr, PangoContext *context, const MonthPaintCache &c
         cairo_fill (cr);
     }
     TextPainter text (cr, context, cache);
-    text.set_font (cache.emphasized_font.get (), std::clamp (state.header_height * 0.38, 9.0, 18.0), false);
+    text.set_font (cache.emphasized_font.get (), std::clamp (state.header_height * 0.55, 13.0, 18.0), false);
     for (int col = 0; col < NColumns; col++) {
         set_rgb (cr, cache.font_day, 0.85);
         text.draw ((*state.day_names)[col].c_str (), state.week_width + col * state.cell_width, 0,
@@ -591,7 +596,22 @@ month_paint_cells (cairo_t *cr, PangoContext *context, const MonthPaintCache &co
                     const double x1 = (last_col + 1) * cw - (open_right ? 0 : m.pad);
                     if (!intersects (x0, y, x1 - x0, m.line_h))
                         continue;
-                    paint_bar (cr, text, cache, state, *centry, other, m, x0, x1, y, open_left, open_right);
+                    /* Only the part over other months' days recedes: the
+                     * bar is painted once per run of cells of one kind,
+                     * clipped to that run. */
+                    for (int from = col; from <= last_col;) {
+                        const bool dim = state.cells[row * NColumns + from].month_type != MONTH_TYPE_THIS;
+                        int to = from;
+                        while (to < last_col
+                               && (state.cells[row * NColumns + to + 1].month_type != MONTH_TYPE_THIS) == dim)
+                            to++;
+                        cairo_save (cr);
+                        cairo_rectangle (cr, from * cw, y, (to - from + 1) * cw, m.line_h);
+                        cairo_clip (cr);
+                        paint_bar (cr, text, cache, state, *centry, dim, m, x0, x1, y, open_left, open_right);
+                        cairo_restore (cr);
+                        from = to + 1;
+                    }
                 } else {
                     const double x = col * cw + m.pad + 1;
                     if (!intersects (x, y, cw - 2 * m.pad, m.line_h))

@@ -6,6 +6,7 @@
  * each bar continues.
  */
 #include "TavMonthViewPrivate.h"
+#include "TavCalendarViewPrivate.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -817,9 +818,10 @@ calendar_grid_add_entry_instance (CalendarCell *cells, TavCalendarProcessor *pro
      * event still runs after midnight of that day. */
     TavDate day = instance_start->date;
     TavDate running = info.start_date;
-    const int last_day_hour = instance_start->time.hour + (info.end_hour - info.start_hour);
+    const gboolean last_day = tav_calendar_view_last_day_has_piece (instance_start->time.hour, info.start_hour,
+                                                                    info.end_hour);
     while (tav_date_compare (&running, &info.end_date) <= 0) {
-        if (tav_date_compare (&running, &info.end_date) == 0 && last_day_hour < 1)
+        if (tav_date_compare (&running, &info.end_date) == 0 && !last_day)
             break;
         grid_add_to_day (cells, processor, &day, entry, shared);
         tav_calendar_processor_inc_date (processor, &day);

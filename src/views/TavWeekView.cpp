@@ -5,9 +5,11 @@
 #include <algorithm>
 #include <cmath>
 #include <new>
+#include <vector>
 
 #include "TavCalendarNote.h"
 #include "TavCalendarTask.h"
+#include "TavCalendarViewPrivate.h"
 #include "KivoNote.h"
 #include "KivoTapAndHold.h"
 #include "TavIntl.h"
@@ -91,7 +93,7 @@ GdkRectangle hour_entry_rect (TavWeekViewPrivate *priv, int width, int col, cons
     int bottom = time_to_table_offset (priv, wentry->end_time->hour, wentry->end_time->minute);
     /* A range that runs into or past the all-day bar keeps its real
      * length below it; very short entries keep room for one line. */
-    bottom = std::max (bottom, top + kHourHeight / 3);
+    bottom = std::max (bottom, top + kMinDrawnPixels);
     GdkRectangle r;
     r.x = x0 + 2 + (cw - 4) * c / n;
     r.width = (cw - 4) * (c + 1) / n - (cw - 4) * c / n - 1;
@@ -111,6 +113,34 @@ GdkRectangle all_day_entry_rect (TavWeekViewPrivate *priv, int width, int col, i
     r.y = priv->all_day_bar_hour * kHourHeight + kAllDayBarPadding / 2 + slot * priv->all_day_slot_height + 2;
     r.height = priv->all_day_slot_height - 4;
     return r;
+}
+
+std::vector<CrowdMark> crowd_marks (TavWeekViewPrivate *priv, int width, int col)
+{
+    std::vector<CrowdMark> marks;
+    std::vector<int> groups;
+    for (GList *l = priv->days[static_cast<size_t> (col)].list->hour_entries; l; l = l->next) {
+        const WeekEntry *wentry = static_cast<const WeekEntry *> (l->data);
+        if (!wentry->unplaced)
+            continue;
+        auto it = std::find (groups.begin (), groups.end (), wentry->group);
+        if (it != groups.end ()) {
+            marks[static_cast<size_t> (it - groups.begin ())].hidden++;
+            continue;
+        }
+        /* The mark sits in the bottom right corner of the first left-over
+         * record, clear of the column titles. */
+        const GdkRectangle r = hour_entry_rect (priv, width, col, wentry);
+        CrowdMark mark;
+        mark.rect.width = std::min (r.width, kCrowdMarkWidth);
+        mark.rect.height = std::min (r.height, kCrowdMarkHeight);
+        mark.rect.x = r.x + r.width - mark.rect.width;
+        mark.rect.y = r.y + r.height - mark.rect.height;
+        mark.hidden = 1;
+        groups.push_back (wentry->group);
+        marks.push_back (mark);
+    }
+    return marks;
 }
 
 double scroll_value (TavWeekViewPrivate *priv)
@@ -207,9 +237,11 @@ static void week_view_week_around (TavWeekView *week_view, const TavDate *date, 
     TavCalendarProcessor *processor = processor_of (week_view);
     interval->start = *date;
     interval->end = *date;
-    while (!tav_calendar_processor_is_first_day_of_week (processor, &interval->start))
+    /* A week has seven days: never more steps than that, whatever the
+     * processor makes of a date. */
+    for (int i = 0; i < kDaysInWeek - 1 && !tav_calendar_processor_is_first_day_of_week (processor, &interval->start); i++)
         tav_calendar_processor_dec_date (processor, &interval->start);
-    while (!tav_calendar_processor_is_last_day_of_week (processor, &interval->end))
+    for (int i = 0; i < kDaysInWeek - 1 && !tav_calendar_processor_is_last_day_of_week (processor, &interval->end); i++)
         tav_calendar_processor_inc_date (processor, &interval->end);
 }
 
@@ -435,19 +467,31 @@ static gboolean tav_week_view_add_entry_for_timestamp_cb (TavCalendarView *view,
 
     const bool is_task = TAV_IS_CALENDAR_TASK (entry);
     TavDate *start = nullptr, *end = nullptr;
-    g_object_get (entry, "start-date", &start, "end-date", &end, NULL);
+    TavTime *start_time = nullptr, *end_time = nullptr;
+    gboolean all_day = FALSE;
+    g_object_get (entry, "start-date", &start, "end-date", &end, "start-time", &start_time, "end-time", &end_time,
+                  "all-day", &all_day, NULL);
     int span = 0;
     if (!is_task && start && end) {
         if (tav_date_compare (end, start) < 0) {
             TAV_WARNING ("The start_date >= end_date, giving up.");
             tav_date_free (start);
             tav_date_free (end);
+            tav_time_free (start_time);
+            tav_time_free (end_time);
             return FALSE;
         }
         span = tav_calendar_processor_get_date_interval_in_days (processor, *start, *end);
+        /* A timed event ending at midnight leaves its end day empty, as in
+         * the month view. */
+        if (span > 0 && !all_day && start_time && end_time
+            && !tav_calendar_view_last_day_has_piece (instance_start->time.hour, start_time->hour, end_time->hour))
+            span--;
     }
     tav_date_free (start);
     tav_date_free (end);
+    tav_time_free (start_time);
+    tav_time_free (end_time);
 
     bool placed = false;
     TavDate day = instance_start->date;
@@ -579,18 +623,24 @@ static gboolean tav_week_view_get_next_prev_status_for_entry (TavCalendarView *v
 
 /* Context menu ------------------------------------------------------------------ */
 
+/* Birthdays belong to the contacts: they are neither edited nor deleted
+ * from the calendar, so they have no menu items. */
+static bool week_view_entry_has_menu (TavCalendarEntry *entry)
+{
+    gboolean birthday = FALSE;
+    if (entry)
+        g_object_get (entry, "has-birthday", &birthday, NULL);
+    return entry && !birthday;
+}
+
 void tav_week_view_ensure_valid_items_in_csm (TavWeekView *week_view)
 {
     TavWeekViewPrivate *priv = week_view->priv;
     if (!priv->menu)
         return;
-    gboolean birthday = FALSE;
-    if (priv->entry_for_csm)
-        g_object_get (priv->entry_for_csm.get (), "has-birthday", &birthday, NULL);
-    /* Birthdays belong to the contacts: they are neither edited nor
-     * deleted from the calendar. */
-    gtk_widget_set_visible (priv->menu_edit, priv->entry_for_csm && !birthday);
-    gtk_widget_set_visible (priv->menu_delete, priv->entry_for_csm && !birthday);
+    const bool items = week_view_entry_has_menu (priv->entry_for_csm.get ());
+    gtk_widget_set_visible (priv->menu_edit, items);
+    gtk_widget_set_visible (priv->menu_delete, items);
 }
 
 /* Emits @signal for the entry the context menu was opened on; @func is the
@@ -671,13 +721,23 @@ static Hit week_view_hit_test (TavWeekView *week_view, int x, int y)
         }
         return hit;
     }
-    /* The last painted record lies on top. */
+    /* A crowded group's mark lies over everything; then the records in
+     * columns, the last painted on top; the left-over records of a crowded
+     * group lie underneath. */
+    for (const CrowdMark &mark : crowd_marks (priv, width, col))
+        if (gdk_rectangle_has_point (&mark.rect, x, y)) {
+            hit.crowd_mark = true;
+            return hit;
+        }
+    WeekEntry *under = nullptr;
     for (GList *l = list->hour_entries; l; l = l->next) {
         WeekEntry *wentry = static_cast<WeekEntry *> (l->data);
         GdkRectangle r = hour_entry_rect (priv, width, col, wentry);
         if (gdk_rectangle_has_point (&r, x, y))
-            hit.wentry = wentry;
+            (wentry->unplaced ? under : hit.wentry) = wentry;
     }
+    if (!hit.wentry)
+        hit.wentry = under;
     return hit;
 }
 
@@ -806,6 +866,11 @@ static gboolean tav_week_view_button_release (GtkWidget *widget, GdkEventButton 
     Hit hit = week_view_hit_test (week_view, x, y);
     const TavDate date = priv->days[static_cast<size_t> (col)].date;
 
+    /* The "+n" of a crowded hour opens the day, where every entry shows. */
+    if (hit.crowd_mark) {
+        week_view_emit_day (week_view, col);
+        return FALSE;
+    }
     if (hit.wentry) {
         WeekEntryList *list = priv->days[static_cast<size_t> (col)].list;
         if (hit.in_all_day_bar && hit.wentry->index == MAX_ALL_DAY_SLOTS - 1 &&
@@ -851,8 +916,8 @@ static gboolean on_tap_and_hold_query_cb (GtkWidget *widget, GdkEvent *event, gp
     } else if (event && event->type == GDK_BUTTON_PRESS) {
         priv->entry_for_csm = nullptr;
     }
-    /* TRUE refuses the hold: only an entry has a menu. */
-    return priv->entry_for_csm ? FALSE : TRUE;
+    /* TRUE refuses the hold: only an entry with items has a menu. */
+    return week_view_entry_has_menu (priv->entry_for_csm.get ()) ? FALSE : TRUE;
 }
 
 static void on_tap_and_hold_cb (GtkWidget *widget, gpointer)
@@ -1175,6 +1240,10 @@ static void tav_week_view_init (TavWeekView *week_view)
     TavDateInterval week;
     week_view_week_around (week_view, &today, &week);
     week_view_fill_days (week_view, &week.start, TavDateWeekNameShortFormat);
+    /* A new view shows this week: a host may freeze it and add entries at
+     * once. Nothing is read until the view is given a week. */
+    priv->presented = week;
+    priv->has_presented = true;
 
     priv->now.tm_yday = -1;
     week_view_refresh_current_time (week_view);
@@ -1234,6 +1303,13 @@ void tav_week_view_set_presented_interval_by_date (TavWeekView *week_view, const
 {
     g_return_if_fail (TAV_IS_WEEK_VIEW(week_view));
     g_return_if_fail (date != NULL);
+    g_return_if_fail (tav_date_is_valid (date));
+    /* Outside the years the views show, the week is refused as a step out
+     * of them would be. */
+    if (date->year < 1970 || date->year > 2037) {
+        g_signal_emit_by_name (week_view, "year-limit-reached::0");
+        return;
+    }
     TavDateInterval week;
     week_view_week_around (week_view, date, &week);
     g_object_set (week_view, "presented-interval", &week, NULL);

@@ -6,6 +6,7 @@
 #include <array>
 #include <ctime>
 #include <memory>
+#include <vector>
 
 #include <cairo.h>
 
@@ -18,7 +19,7 @@ namespace tav::week {
 constexpr int kDaysInWeek = 7;
 constexpr int FirstDayColumn = 0;
 constexpr int NColumns = 7;
-constexpr int kHourHeight = 70;
+constexpr int kHourHeight = kHourPixels;
 constexpr int kAllDaySlotHeight = 48;
 constexpr int kAllDayBarPadding = 20;
 /* The seventh slot of a crowded day stands for the rest of its entries. */
@@ -38,12 +39,22 @@ struct Day {
 
 enum class Area { None, Header, Hours, Table };
 
-/* A record under the finger, or an empty slot. */
+/* A record under the finger, a crowded group's mark, or an empty slot. */
 struct Hit {
     int day = -1;
     WeekEntry *wentry = nullptr;
     bool in_all_day_bar = false;
+    bool crowd_mark = false;
 };
+
+/* The "+n" mark of a group with more entries than its four columns hold:
+ * where it is drawn, and how many entries lie under the columns. */
+struct CrowdMark {
+    GdkRectangle rect {};
+    int hidden = 0;
+};
+constexpr int kCrowdMarkWidth = 30;
+constexpr int kCrowdMarkHeight = 20;
 
 } // namespace tav::week
 
@@ -123,6 +134,8 @@ int column_at (int width, int x);
 /* The rectangles of a record in table coordinates (not scrolled). */
 GdkRectangle hour_entry_rect (TavWeekViewPrivate *priv, int width, int col, const WeekEntry *wentry);
 GdkRectangle all_day_entry_rect (TavWeekViewPrivate *priv, int width, int col, int slot);
+/* The marks of column @col's crowded groups, in list order. */
+std::vector<CrowdMark> crowd_marks (TavWeekViewPrivate *priv, int width, int col);
 double scroll_value (TavWeekViewPrivate *priv);
 
 void paint_header (TavWeekView *view, GdkRectangle *area);

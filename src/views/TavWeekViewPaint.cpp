@@ -440,12 +440,31 @@ void paint_table (TavWeekView *view, GdkRectangle *area)
 
     for (int col = 0; col < NColumns; col++) {
         WeekEntryList *list = priv->days[static_cast<size_t> (col)].list;
-        for (GList *l = list->hour_entries; l; l = l->next) {
-            WeekEntry *wentry = static_cast<WeekEntry *> (l->data);
-            GdkRectangle r = hour_entry_rect (priv, width, col, wentry);
-            if (r.y > visible_bottom || r.y + r.height < visible_top)
-                continue;
-            paint_hour_entry (cr, view, layout.get (), wentry, r, origin);
+        /* The left-over records of a crowded group first, under the
+         * columns; its mark last, over them. */
+        for (bool under : { true, false })
+            for (GList *l = list->hour_entries; l; l = l->next) {
+                WeekEntry *wentry = static_cast<WeekEntry *> (l->data);
+                if (bool (wentry->unplaced) != under)
+                    continue;
+                GdkRectangle r = hour_entry_rect (priv, width, col, wentry);
+                if (r.y > visible_bottom || r.y + r.height < visible_top)
+                    continue;
+                paint_hour_entry (cr, view, layout.get (), wentry, r, origin);
+            }
+        for (const CrowdMark &mark : crowd_marks (priv, width, col)) {
+            const GdkRectangle &m = mark.rect;
+            rounded_rect (cr, m.x, m.y, m.width, m.height, 4);
+            set_source (cr, kAccent);
+            cairo_fill (cr);
+            const std::string text = "<b>+" + std::to_string (mark.hidden) + "</b>";
+            pango_layout_set_markup (layout.get (), text.c_str (), -1);
+            pango_layout_set_width (layout.get (), -1);
+            pango_layout_set_height (layout.get (), 0);
+            int lw, lh;
+            pango_layout_get_pixel_size (layout.get (), &lw, &lh);
+            set_source (cr, kWhite);
+            show_text (cr, layout.get (), m.x + (m.width - lw) / 2, m.y + (m.height - lh) / 2);
         }
     }
 
@@ -647,6 +666,18 @@ void paint_header (TavWeekView *view, GdkRectangle *area)
 
     pango_layout_set_font_description (layout.get (), day_font.get ());
     pango_layout_set_alignment (layout.get (), PANGO_ALIGN_CENTER);
+    /* When one day's header does not fit its column, every day puts its
+     * weekday over its date instead of cutting the date off. */
+    bool two_lines = false;
+    pango_layout_set_width (layout.get (), -1);
+    for (int col = 0; col < NColumns; col++) {
+        const Day &day = priv->days[static_cast<size_t> (col)];
+        const int w = column_x (table_w, col + 1) - column_x (table_w, col);
+        pango_layout_set_text (layout.get (), day.header ? day.header.get () : "", -1);
+        int lw, lh;
+        pango_layout_get_pixel_size (layout.get (), &lw, &lh);
+        two_lines = two_lines || lw > w - 6;
+    }
     pango_layout_set_ellipsize (layout.get (), PANGO_ELLIPSIZE_END);
     for (int col = 0; col < NColumns; col++) {
         const Day &day = priv->days[static_cast<size_t> (col)];
@@ -671,8 +702,12 @@ void paint_header (TavWeekView *view, GdkRectangle *area)
         cairo_line_to (cr, x + 0.5, height - 12);
         cairo_stroke (cr);
 
+        std::string header = day.header ? day.header.get () : "";
+        const size_t space = header.find (' ');
+        if (two_lines && space != std::string::npos)
+            header[space] = '\n';
         pango_layout_set_width (layout.get (), (w - 6) * PANGO_SCALE);
-        pango_layout_set_text (layout.get (), day.header ? day.header.get () : "", -1);
+        pango_layout_set_text (layout.get (), header.c_str (), -1);
         int lw, lh;
         pango_layout_get_pixel_size (layout.get (), &lw, &lh);
         set_source (cr, day.is_today ? kWhite : date_color);

@@ -337,20 +337,34 @@ void week_entry_list_free (WeekEntryList *wentry_list)
     g_free (wentry_list);
 }
 
+/* Inserts @data after every element that does not sort after it, so equal
+ * records keep their arrival order (g_list_insert_sorted puts a new record
+ * before its equals). */
+static GList *insert_after_equals (GList *list, gpointer data, GCompareFunc compare)
+{
+    GList *last_not_after = nullptr;
+    for (GList *l = list; l && compare (l->data, data) <= 0; l = l->next)
+        last_not_after = l;
+    if (!last_not_after)
+        return g_list_prepend (list, data);
+    /* Before the next link; with none, at the end. */
+    return g_list_insert_before (list, last_not_after->next, data);
+}
+
 void week_entry_list_append_entry (WeekEntryList *wentry_list, WeekEntry *wentry)
 {
     WEEK_ASSERT (wentry_list != NULL);
     WEEK_ASSERT (wentry != NULL);
 
     if (wentry->all_day) {
-        wentry_list->allday_entries = g_list_insert_sorted (wentry_list->allday_entries, wentry,
-                                                            _week_entry_compare_allday_entry_inside_day);
+        wentry_list->allday_entries = insert_after_equals (wentry_list->allday_entries, wentry,
+                                                           _week_entry_compare_allday_entry_inside_day);
         renumber_allday (wentry_list);
     } else {
         /* A timed record keeps its arrival number, not its sorted place. */
         wentry->index = static_cast<int> (g_list_length (wentry_list->hour_entries));
-        wentry_list->hour_entries = g_list_insert_sorted (wentry_list->hour_entries, wentry,
-                                                          _week_entry_compare_hour_entry_inside_day);
+        wentry_list->hour_entries = insert_after_equals (wentry_list->hour_entries, wentry,
+                                                         _week_entry_compare_hour_entry_inside_day);
     }
 }
 
@@ -617,8 +631,12 @@ std::vector<Placement> layout_overlaps (const std::vector<Span> &spans)
         }
         for (size_t idx : placed)
             out[idx].n_columns = opened;
-        for (size_t idx : m)
+        for (size_t idx : m) {
+            /* Left over after four columns: full width, drawn under the
+             * columns and counted in the group's "+n" mark. */
+            out[idx].unplaced = unplaced[idx];
             unplaced[idx] = false;
+        }
     }
     return out;
 }
@@ -636,13 +654,16 @@ void week_entry_list_calculate_overlapping (WeekEntryList *wentry_list)
     for (GList *l = wentry_list->hour_entries; l; l = l->next) {
         WeekEntry *wentry = data_of (l);
         records.push_back (wentry);
-        spans.push_back ({ minutes_of (wentry->start_time), minutes_of (wentry->end_time) });
+        /* Columns follow what is drawn: a short entry is drawn taller than
+         * its minutes, and what starts inside that height shares its row. */
+        const int start = minutes_of (wentry->start_time);
+        spans.push_back ({ start, std::max (minutes_of (wentry->end_time), start + tav::week::kMinDrawnMinutes) });
     }
     const std::vector<tav::week::Placement> placements = tav::week::layout_overlaps (spans);
     for (size_t i = 0; i < records.size (); i++) {
         records[i]->group = placements[i].group;
         records[i]->column = placements[i].column;
         records[i]->n_columns = placements[i].n_columns;
-        records[i]->unplaced = FALSE;
+        records[i]->unplaced = placements[i].unplaced;
     }
 }

@@ -38,7 +38,7 @@ struct _WeekEntry {
     int column;                /* 0 .. n_columns - 1 */
     int index;                 /* all-day: position in the bar; timed: arrival number */
     int group;                 /* overlap group, 0 = unassigned */
-    gboolean unplaced;         /* working flag of the column assignment */
+    gboolean unplaced;         /* left over in a group of more than four columns */
     gboolean multi_days;
     int n_days;                /* days from start date to end date, plus one */
 };
@@ -126,7 +126,14 @@ struct Placement {
     int group = 0;
     int column = 0;
     int n_columns = 1;
+    bool unplaced = false; /* no room in the group's four columns */
 };
+
+/* An hour is 70 pixels high and a record at least a third of that (room for
+ * one line): 20 minutes, rounded up, is the shortest extent on screen. */
+constexpr int kHourPixels = 70;
+constexpr int kMinDrawnPixels = kHourPixels / 3;
+constexpr int kMinDrawnMinutes = (kMinDrawnPixels * 60 + kHourPixels - 1) / kHourPixels;
 
 /* The overlap layout of one day's timed records in list order: grouping
  * with the later group overwriting the earlier, then at most four columns

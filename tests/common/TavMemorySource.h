@@ -91,15 +91,12 @@ TavCalendarEntry *tav_memory_source_add_event (TavMemorySource *source, const ch
                                                const TavTimestamp *start, const TavTimestamp *end);
 /* Number of stored objects of every kind. */
 guint tav_memory_source_size (TavMemorySource *source);
-/* Finds a stored object by ID (ASCII case ignored); transfer none. */
-TavCalendarEntry *tav_memory_source_find (TavMemorySource *source, const char *num_id);
 
 /* Stored events (neither tasks nor notes) with at least one occurrence
  * touching @interval (all events when NULL), in storage order. Transfer
  * full: free with g_list_free_full (list, g_object_unref). */
 GList *tav_memory_source_list_events (TavMemorySource *source, const TavDateInterval *interval);
 GList *tav_memory_source_list_tasks (TavMemorySource *source);
-GList *tav_memory_source_list_notes (TavMemorySource *source);
 
 /* The starts of @entry's occurrences touching @interval as a new list of
  * TavTimestamp (free with tav_timestamp_free), the expansion get_instances
@@ -113,9 +110,8 @@ GList *tav_memory_source_expand (TavCalendarEntry *entry, const TavDateInterval 
 void tav_memory_source_fail (TavMemorySource *source, TavMemorySlot slot, CalendarUiErrorCode code);
 /* Lets @slot work again. */
 void tav_memory_source_heal (TavMemorySource *source, TavMemorySlot slot);
-/* How often @slot was called since creation or the last reset. */
+/* How often @slot was called since creation. */
 guint tav_memory_source_calls (TavMemorySource *source, TavMemorySlot slot);
-void tav_memory_source_reset_calls (TavMemorySource *source);
 
 G_END_DECLS
 

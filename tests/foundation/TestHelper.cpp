@@ -76,6 +76,9 @@ TEST (CheckFileExists, OnlyAMissingFileIsAbsent)
     /* A path through a regular file fails with ENOTDIR, which counts as
      * existing. */
     EXPECT_TRUE (checkFileExists ((file + "/below").c_str ()));
+    LogCapture capture;
+    EXPECT_FALSE (checkFileExists (NULL));
+    EXPECT_CRITICAL (capture, "path != NULL");
 }
 
 TEST (TerminalLog, PrefixesAndNewline)
@@ -110,8 +113,9 @@ TEST (ErrorString, EachCodeGivesItsEnglishMessage)
         { CalendarDiskFullError, "devwatch", "cerm_device_memory_full" },
         { CalendarInvalidIcsComponent, "calendar", "cal_ni_ical_invalid" }, { CalendarImportIncomplete, "calendar", "cal_ni_ical_invalid" },
         { CalendarInvalidIcsFile, "calendar", "cal_ni_ical_invalid" }, { CalendarAlreadyExists, "calendar", "cal_ib_title_exists" },
-        /* Every other code, and values outside the enumeration. */
-        { CalendarNoError, "calendar", "cal_ni_internal_error" }, { (CalendarUiErrorCode) 99, "calendar", "cal_ni_internal_error" },
+        /* Every other code, and a value past the enumeration (still one the
+         * type can hold, so the sanitizer build stays defined). */
+        { CalendarNoError, "calendar", "cal_ni_internal_error" }, { (CalendarUiErrorCode) 12, "calendar", "cal_ni_internal_error" },
     };
     for (const auto &row : rows) {
         LogCapture capture;

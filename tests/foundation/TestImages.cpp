@@ -122,7 +122,7 @@ TEST (ColorIcons, FileChosenBySize)
     struct Row { TavCalendarColor color; int width, height, marker; } rows[] = {
         { TavCalendarColorGreen, 40, 40, 0x11 }, { TavCalendarColorGreen, 48, 48, 0x11 }, { TavCalendarColorGreen, 102, 48, 0x33 },
         { TavCalendarColorGreen, 102, 40, 0x22 }, { TavCalendarColorGreen, 64, 64, 0x22 }, { TavCalendarColorGreen, 49, 10, 0x22 },
-        { (TavCalendarColor) 42, 16, 16, 0x44 }, /* out of range: red */
+        { (TavCalendarColor) 12, 16, 16, 0x44 }, /* past the colours: red */
     };
     for (const auto &row : rows) {
         auto icon = tav::adoptGRef (tav_calendar_color_create_pixbuf (row.color, row.width, row.height));

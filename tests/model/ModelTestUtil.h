@@ -117,6 +117,15 @@ struct CriticalRow {
 };
 
 /* Each call logs exactly one line: the critical naming its condition. */
+/* A critical names the bare function, as a C library's do: "tav_foo: ...",
+ * never a C++ signature ("int tav_foo(TavFoo*): ..."). */
+inline void expect_bare_function_name (const std::string &critical)
+{
+    size_t colon = critical.find (": assertion '");
+    ASSERT_NE (colon, std::string::npos) << critical;
+    EXPECT_EQ (critical.find_first_not_of ("abcdefghijklmnopqrstuvwxyz0123456789_"), colon) << critical;
+}
+
 inline void expect_criticals (std::initializer_list<CriticalRow> rows)
 {
     for (const auto &row : rows) {
@@ -124,7 +133,8 @@ inline void expect_criticals (std::initializer_list<CriticalRow> rows)
         LogCapture capture;
         EXPECT_TRUE (row.call ());
         EXPECT_CRITICAL (capture, row.condition);
-        EXPECT_EQ (capture.lines ().size (), 1u) << capture.dump ();
+        ASSERT_EQ (capture.lines ().size (), 1u) << capture.dump ();
+        expect_bare_function_name (capture.lines ()[0].message);
     }
 }
 

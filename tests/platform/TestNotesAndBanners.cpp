@@ -1,6 +1,8 @@
 /* Banners, confirmation notes and wizard dialogs. */
 
 #include "KivoBanner.h"
+
+#include <algorithm>
 #include "KivoDialogs.h"
 #include "KivoNote.h"
 #include "PointerDriver.h"
@@ -52,6 +54,23 @@ TEST (Banner, StacksClosesUpAndDisappearsByItself)
     gtk_widget_destroy (first);
     flush_events ();
     EXPECT_EQ (top_of (second), first_top) << "it moves up into the free place";
+    /* Light inside an accent frame, never dark on the dark title bar. */
+    gdk_window_process_all_updates ();
+    const int w = second->allocation.width, h = second->allocation.height;
+    GdkPixbuf *shot = gdk_pixbuf_get_from_drawable (NULL, second->window, NULL, 0, 0, 0, 0, w, h);
+    ASSERT_NE (shot, nullptr);
+    const guchar *pixels = gdk_pixbuf_get_pixels (shot);
+    const int stride = gdk_pixbuf_get_rowstride (shot), channels = gdk_pixbuf_get_n_channels (shot);
+    auto at = [&] (int x, int y) { return pixels + y * stride + x * channels; };
+    const guchar *inside = at (12, h / 2);
+    EXPECT_TRUE (inside[0] > 0xe0 && inside[1] > 0xe0 && inside[2] > 0xe0)
+        << int (inside[0]) << "," << int (inside[1]) << "," << int (inside[2]);
+    /* ... with dark text on it. */
+    int darkest = 255;
+    for (int x = 0; x < w; x++)
+        darkest = std::min (darkest, int (at (x, h / 2)[1]));
+    EXPECT_LT (darkest, 0x60);
+    g_object_unref (shot);
 
     int destroyed = 0;
     count_signal (second, "destroy", &destroyed);

@@ -3,6 +3,7 @@
 #include "KivoButton.h"
 #include "KivoCheckButton.h"
 #include "KivoDateButton.h"
+#include "KivoTouchSelector.h"
 #include "KivoEntry.h"
 #include "KivoIconSize.h"
 #include "KivoPickerButton.h"
@@ -11,6 +12,7 @@
 #include "TestSupport.h"
 
 #include <string>
+#include <tuple>
 
 using namespace tav::test;
 
@@ -49,6 +51,26 @@ TEST (KivoButton, IsAtLeastFingerOrThumbHigh)
         EXPECT_GE (request.height, c.min_height) << (c.value ? c.value : "no value");
         EXPECT_STREQ (value_of (button.widget), c.value);
     }
+    /* Shown with everything in its window, a button without an image
+     * starts its text at its inner border and keeps its value whole when
+     * the button is wide enough for both labels. */
+    GtkWidget *button = kivo_button_new_with_text (KIVO_SIZE_FINGER_HEIGHT, KIVO_BUTTON_ARRANGEMENT_HORIZONTAL,
+                                                   "Alarm tone", "Chime");
+    GtkWidget *window = make_test_window (320, 100, button);
+    GtkWidget *title = nullptr, *value = nullptr;
+    for (GtkWidget *w = gtk_bin_get_child (GTK_BIN (button)); GTK_IS_CONTAINER (w);) {
+        GList *children = gtk_container_get_children (GTK_CONTAINER (w));
+        w = GTK_WIDGET (g_list_last (children)->data);
+        if (GTK_IS_LABEL (g_list_first (children)->data)) {
+            title = GTK_WIDGET (g_list_first (children)->data);
+            value = w;
+        }
+        g_list_free (children);
+    }
+    ASSERT_TRUE (title && value);
+    EXPECT_LE (title->allocation.x - button->allocation.x, 24) << "no room kept for a missing image";
+    EXPECT_FALSE (pango_layout_is_ellipsized (gtk_label_get_layout (GTK_LABEL (value))));
+    gtk_widget_destroy (window);
 }
 
 TEST (PickerButton, ATapOnARowUpdatesTheValue)
@@ -152,11 +174,64 @@ TEST (DateButton, KeepsValidDatesInTheSupportedYears)
             EXPECT_EQ (changes, 1) << c.label << ": one change for the three columns";
         }
     }
-    /* Picking February after the 31st pulls the day back. */
+    /* Picking February after the 31st pulls the day back, and the day
+     * column offers February's days only, leap day by the year. */
+    KivoTouchSelector *selector = kivo_picker_button_get_selector (KIVO_PICKER_BUTTON (date));
+    auto days_offered = [&] { return gtk_tree_model_iter_n_children (kivo_touch_selector_get_model (selector, 0), NULL); };
     kivo_date_button_set_date (date, 2023, 0, 31);
-    kivo_touch_selector_set_active (kivo_picker_button_get_selector (KIVO_PICKER_BUTTON (date)), 1, 1);
+    EXPECT_EQ (days_offered (), 31);
+    kivo_touch_selector_set_active (selector, 1, 1);
     kivo_date_button_get_date (date, &y, &m, &d);
     EXPECT_EQ (y * 10000 + m * 100 + d, 2023u * 10000 + 1 * 100 + 28);
+    EXPECT_EQ (kivo_touch_selector_get_active (selector, 0), 27) << "the 28th is what shows selected";
+    EXPECT_EQ (days_offered (), 28);
+    kivo_touch_selector_set_active (selector, 2, 2024 - 1970);
+    EXPECT_EQ (days_offered (), 29);
+    kivo_touch_selector_set_active (selector, 0, 28);
+    kivo_touch_selector_set_active (selector, 2, 2023 - 1970);
+    kivo_date_button_get_date (date, &y, &m, &d);
+    EXPECT_EQ (y * 10000 + m * 100 + d, 2023u * 10000 + 1 * 100 + 28);
+    EXPECT_EQ (days_offered (), 28);
+}
+
+/* The selected rows of all columns stand on one line, the middle of the
+ * columns, even the first and the last row of a column. */
+TEST (TouchSelector, SelectedRowsLineUpInTheMiddle)
+{
+    REQUIRE_DISPLAY ();
+    GtkWidget *selector = kivo_touch_selector_new ();
+    auto *touch = KIVO_TOUCH_SELECTOR (selector);
+    for (int rows : { 31, 12, 68 }) {
+        GtkListStore *store = gtk_list_store_new (1, G_TYPE_STRING);
+        for (int i = 0; i < rows; i++)
+            gtk_list_store_insert_with_values (store, NULL, -1, 0, std::to_string (i + 1).c_str (), -1);
+        kivo_touch_selector_append_text_column (touch, GTK_TREE_MODEL (store), TRUE);
+        g_object_unref (store);
+    }
+    GtkWidget *window = make_test_window (600, 400, selector);
+    for (auto [day, month, year] : { std::tuple (0, 11, 56), std::tuple (30, 0, 67), std::tuple (15, 6, 0) }) {
+        kivo_touch_selector_set_active (touch, 0, day);
+        kivo_touch_selector_set_active (touch, 1, month);
+        kivo_touch_selector_set_active (touch, 2, year);
+        flush_events ();
+        std::string middles;
+        for (int c = 0; c < 3; c++) {
+            GtkWidget *view = kivo_touch_selector_get_column_view (touch, c);
+            GtkTreePath *path = gtk_tree_path_new_from_indices (c == 0 ? day : c == 1 ? month : year, -1);
+            GdkRectangle row;
+            gtk_tree_view_get_background_area (GTK_TREE_VIEW (view), path, NULL, &row);
+            gtk_tree_path_free (path);
+            int bx = 0, by = 0, ax = 0, ay = 0;
+            gdk_window_get_origin (gtk_tree_view_get_bin_window (GTK_TREE_VIEW (view)), &bx, &by);
+            gdk_window_get_origin (selector->window, &ax, &ay);
+            middles += std::to_string (by + row.y + row.height / 2 - ay - selector->allocation.y) + " ";
+        }
+        const int middle = selector->allocation.height / 2;
+        EXPECT_EQ (middles, std::string (3, ' ').replace (0, 3, "") + std::to_string (middle) + " " +
+                                std::to_string (middle) + " " + std::to_string (middle) + " ")
+            << day << "/" << month << "/" << year;
+    }
+    gtk_widget_destroy (window);
 }
 
 TEST (TimeButton, RoundTripsTimes)

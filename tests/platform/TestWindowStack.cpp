@@ -108,10 +108,20 @@ TEST (WindowStack, AStackedWindowCoversTheOneBelowAndItsBackButtonClosesIt)
     EXPECT_EQ (destroyed, 1);
     EXPECT_EQ (kivo_window_stack_peek (kivo_window_stack_get_default ()), below);
     EXPECT_TRUE (kivo_stackable_window_get_is_topmost (KIVO_STACKABLE_WINDOW (below)));
-    /* The bottom window has no way back. */
+    /* The bottom window has no way back, by tap or by Escape. */
     PointerDriver::tap (title_area (below), back_x, back_y);
+    gdk_test_simulate_key (below->window, -1, -1, GDK_Escape, GdkModifierType (0), GDK_KEY_PRESS);
     flush_events ();
     EXPECT_TRUE (gtk_widget_get_visible (below));
+    /* Escape goes back as the back button does. */
+    above = kivo_stackable_window_new ();
+    gtk_widget_show (above);
+    flush_events ();
+    count_signal (above, "destroy", &destroyed);
+    gdk_test_simulate_key (above->window, -1, -1, GDK_Escape, GdkModifierType (0), GDK_KEY_PRESS);
+    flush_events ();
+    EXPECT_EQ (destroyed, 2);
+    EXPECT_EQ (kivo_window_stack_peek (kivo_window_stack_get_default ()), below);
     gtk_widget_destroy (below);
 }
 

@@ -132,4 +132,22 @@ Grid::recalculate (gboolean optimization)
     calendar_grid_recalculate (m_cells, m_processor, optimization, NULL, NULL);
 }
 
+void
+read_into (TavCalendarView *view, TavMemorySource *source)
+{
+    TavDateInterval interval;
+    if (!tav_calendar_view_get_presented_interval (view, &interval))
+        return;
+    tav_calendar_view_freeze (view);
+    tav_calendar_view_reading_started (view);
+    GList *events = tav_memory_source_list_events (source, &interval);
+    GList *tasks = tav_memory_source_list_tasks (source);
+    tav_calendar_view_add_entries (view, events);
+    tav_calendar_view_add_entries (view, tasks);
+    g_list_free_full (events, g_object_unref);
+    g_list_free_full (tasks, g_object_unref);
+    tav_calendar_view_thaw (view);
+    tav_calendar_view_reading_finished (view);
+}
+
 } // namespace tav::test

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "TavMonthViewPrivate.h"
+#include "TavMemorySource.h"
 
 namespace tav::test {
 
@@ -59,6 +60,10 @@ private:
     int m_weeks[NRows] {};
     TavCalendarProcessor *m_processor;
 };
+
+/* Reads @source into @view as the calendar application does: freeze, the
+ * events touching the presented interval and the tasks, thaw. */
+void read_into (TavCalendarView *view, TavMemorySource *source);
 
 } // namespace tav::test
 

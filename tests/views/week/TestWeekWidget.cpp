@@ -8,6 +8,7 @@
 #include "TavGPtr.h"
 #include "TavWeekViewInternal.h"
 #include "KivoPannableArea.h"
+#include "KivoStyle.h"
 
 #include <gdk/gdktestutils.h>
 
@@ -152,6 +153,9 @@ TEST (WeekNavigation, WeeksFollowTheFirstDayAndTheYearLimits)
 {
     REQUIRE_DISPLAY ();
     TavWeekView *view = TAV_WEEK_VIEW (g_object_ref_sink (tav_week_view_new ()));
+    /* The first test of the program: a view installs the platform style
+     * when it is made, not at the first long press. */
+    EXPECT_TRUE (kivo_style_installed ());
     Recorder rec;
     rec.connect (view);
     int week_number = 0;
@@ -195,8 +199,35 @@ TEST (WeekNavigation, WeeksFollowTheFirstDayAndTheYearLimits)
         TavDateInterval inverted = { { 2009, 2, 15 }, { 2009, 2, 9 } };
         g_object_set (view, "presented-interval", &inverted, NULL);
         EXPECT_TRUE (capture.has_critical ("interval->start <= interval->end"));
+        /* Impossible dates return at once with one critical; years the
+         * views do not show reach the limit. */
+        rec.calls.clear ();
+        for (TavDate bad : { TavDate { 2009, 12, 1 }, TavDate { 2009, -1, 1 }, TavDate { 2009, 1, 30 } })
+            tav_week_view_set_presented_interval_by_date (view, &bad);
+        EXPECT_EQ (capture.count_criticals ("'tav_date_is_valid (date)' failed"), 3) << capture.dump ();
+        for (TavDate far : { TavDate { 1000000000, 0, 1 }, TavDate { -5, 0, 1 } })
+            tav_week_view_set_presented_interval_by_date (view, &far);
+        EXPECT_EQ (rec.joined (), "year-limit; year-limit");
     }
     EXPECT_EQ (interval_of (view), "1969-12-29..1970-1-4");
+    g_object_unref (view);
+
+    /* A new view shows this week without reading, so a read into it thaws. */
+    view = TAV_WEEK_VIEW (g_object_ref_sink (tav_week_view_new ()));
+    TavDate today;
+    tav_date_init_today (&today);
+    TavDateInterval week;
+    ASSERT_TRUE (tav_calendar_view_get_presented_interval (TAV_CALENDAR_VIEW (view), &week));
+    EXPECT_TRUE (tav_date_interval_contains (&week, &today));
+    tav::GRefPtr<TavCalendarEntry> now = tav::adoptGRef (make_event ("Now", today, 9, 0, 10, 0, 1));
+    tav_calendar_view_freeze (TAV_CALENDAR_VIEW (view));
+    tav_calendar_view_add_entry (TAV_CALENDAR_VIEW (view), now.get ());
+    tav_calendar_view_thaw (TAV_CALENDAR_VIEW (view));
+    EXPECT_FALSE (tav_calendar_view_is_frozen (TAV_CALENDAR_VIEW (view)));
+    int placed = 0;
+    for (int col = 0; col < 7; col++)
+        placed += g_list_length (_tav_week_view_get_day_list (view, col)->hour_entries);
+    EXPECT_EQ (placed, 1);
     g_object_unref (view);
 }
 
@@ -317,7 +348,11 @@ TEST (WeekAllDay, ACrowdedDayGrowsTheBarToSevenSlotsAndTheSeventhOpensTheDay)
     f.add (make_event ("Trip to Rome", TavDate { 2009, 2, 10 }, 0, 0, 0, 0, 4, TRUE, 3));
     f.add (make_event ("Early call", TavDate { 2009, 2, 12 }, 7, 30, 8, 30, 7));
     tav_week_view_snap_to_all_day_bar (f.view);
-    f.shot ("week-view-crowded.png");
+    tav::GRefPtr<GdkPixbuf> shot = f.shot ("week-view-crowded.png");
+    /* The seventh slot is the light "+n" field. */
+    GdkRectangle more = tav::week::all_day_entry_rect (f.priv (), f.table_width (), 2, 6);
+    EXPECT_EQ (rgb_at (shot.get (), tav::week::kHourColumnWidth + more.x + 3,
+                       tav::week::kHeaderHeight + f.win_y (more.y + more.height / 2)), 0xd1d9e3u);
 }
 
 TEST (WeekEntries, BadInputIsRefusedWithItsMessage)
@@ -408,6 +443,53 @@ TEST (WeekCurrentTime, TheTimerRunsOnlyWhileTopmostAndRealized)
     EXPECT_FALSE (_tav_week_view_has_current_time_timer (f.view));
 }
 
+/* Five entries in one hour: four columns, the fifth under them, and a
+ * "+1" mark that opens the day; short entries take columns by their drawn
+ * height; an event ending at midnight leaves its end day empty. */
+TEST (WeekEntries, CrowdedHoursShortEntriesAndMidnightEnds)
+{
+    REQUIRE_DISPLAY ();
+    Fixture f (800, 700);
+    TavDate tue = { 2009, 2, 10 }, wed = { 2009, 2, 11 }, fri = { 2009, 2, 13 };
+    for (const char *t : { "a", "b", "c", "d", "e" })
+        f.add (make_event (t, tue, 10, 0, 11, 0, 7));
+    f.add (make_event ("Quick", wed, 9, 0, 9, 2, 1));
+    f.add (make_event ("Long", wed, 9, 10, 10, 0, 2));
+    TavCalendarEntry *late = f.add (make_event ("Late", fri, 22, 0, 0, 0, 3, FALSE, 1));
+    TavTime nine = { 9, 30 };
+    tav_week_view_snap_to_time (f.view, &nine);
+    flush_events ();
+
+    std::string columns;
+    for (GList *l = _tav_week_view_get_day_list (f.view, 2)->hour_entries; l; l = l->next) {
+        auto *w = static_cast<WeekEntry *> (l->data);
+        columns += std::to_string (w->column) + "/" + std::to_string (w->n_columns) + " ";
+    }
+    EXPECT_EQ (columns, "0/2 1/2 ") << "09:00-09:02 is drawn down to 09:20";
+    EXPECT_NE (week_entry_list_find_hour_wentry_for_entry (_tav_week_view_get_day_list (f.view, 4), late), nullptr);
+    EXPECT_EQ (week_entry_list_find_hour_wentry_for_entry (_tav_week_view_get_day_list (f.view, 5), late), nullptr)
+        << "no ghost on Saturday";
+
+    TavWeekViewPrivate *p = f.priv ();
+    const int width = f.table_width ();
+    auto marks = tav::week::crowd_marks (p, width, 1);
+    ASSERT_EQ (marks.size (), 1u);
+    EXPECT_EQ (marks[0].hidden, 1);
+    tav::GRefPtr<GdkPixbuf> shot = f.shot ("week-view-crowded-hour.png");
+    const GdkRectangle m = marks[0].rect;
+    EXPECT_EQ (rgb_at (shot.get (), tav::week::kHourColumnWidth + m.x + 2, tav::week::kHeaderHeight + f.win_y (m.y) + 2),
+               0x1e88e5u) << "the mark is drawn over the columns";
+
+    Recorder rec;
+    rec.connect (f.view);
+    const int y = f.win_y (_tav_week_view_time_to_table_offset (f.view, 10, 40));
+    const int x0 = tav::week::column_x (width, 1), cw = tav::week::column_x (width, 2) - x0;
+    for (int c = 0; c < 4; c++)
+        f.tap (p->table_win, x0 + cw * (2 * c + 1) / 8, y);
+    f.tap (p->table_win, m.x + m.width / 2, f.win_y (m.y + m.height / 2));
+    EXPECT_EQ (rec.joined (), "entry a 10; entry b 10; entry c 10; entry d 10; day 2009-3-10");
+}
+
 TEST (WeekContextMenu, HoldingAnEntryOpensEditAndDeleteAndIsNoTap)
 {
     REQUIRE_DISPLAY ();
@@ -450,14 +532,18 @@ TEST (WeekContextMenu, HoldingAnEntryOpensEditAndDeleteAndIsNoTap)
     EXPECT_FALSE (gtk_widget_get_visible (GTK_WIDGET (items->next->data)));
     g_list_free (items);
 
-    /* A hold on an empty slot offers nothing. */
+    /* A hold on an empty slot or on a birthday (no item to show) offers
+     * nothing. */
     p->entry_for_csm = nullptr;
     const int empty_y = f.win_y (_tav_week_view_time_to_table_offset (f.view, 6, 20));
-    ASSERT_TRUE (gdk_test_simulate_button (p->table_win, x, empty_y, 1, GdkModifierType (0), GDK_BUTTON_PRESS));
-    tav::test::run_main_loop_until ([&] { return false; }, 1200);
-    EXPECT_FALSE (gtk_widget_get_visible (p->menu));
-    gdk_test_simulate_button (p->table_win, x, empty_y, 1, GdkModifierType (0), GDK_BUTTON_RELEASE);
-    flush_events ();
+    const int bday_y = f.win_y (tav::week::all_day_entry_rect (p, f.table_width (), 1, 0).y + 10);
+    for (int hold_y : { empty_y, bday_y }) {
+        ASSERT_TRUE (gdk_test_simulate_button (p->table_win, x, hold_y, 1, GdkModifierType (0), GDK_BUTTON_PRESS));
+        tav::test::run_main_loop_until ([&] { return false; }, 1200);
+        EXPECT_FALSE (gtk_widget_get_visible (p->menu)) << hold_y;
+        gdk_test_simulate_button (p->table_win, x, hold_y, 1, GdkModifierType (0), GDK_BUTTON_RELEASE);
+        flush_events ();
+    }
 }
 
 TEST (WeekPainting, AMissingThemeColourIsReportedAndReplaced)
@@ -548,6 +634,38 @@ TEST (WeekPainting, ABusyWeekIsPaintedWhereItsEntriesAre)
     const guint32 marker = pixel (tue_x, now_y);
     EXPECT_TRUE ((marker >> 16) > 200 && ((marker >> 8) & 0xff) < 70 && (marker & 0xff) < 70)
         << std::hex << marker << ": the red marker at 14:25 on Tuesday";
+}
+
+/* The rows of the header of column @col holding light text, first to last. */
+std::pair<int, int> header_text_rows (GdkPixbuf *shot, int table_width, int col)
+{
+    const int x0 = tav::week::kHourColumnWidth + tav::week::column_x (table_width, col) + 4;
+    const int x1 = tav::week::kHourColumnWidth + tav::week::column_x (table_width, col + 1) - 4;
+    int first = -1, last = -1;
+    for (int y = 4; y < tav::week::kHeaderHeight - 4; y++)
+        for (int x = x0; x < x1; x++)
+            if (((rgb_at (shot, x, y) >> 8) & 0xff) > 0xa0) {
+                first = first < 0 ? y : first;
+                last = y;
+                break;
+            }
+    return { first, last };
+}
+
+TEST (WeekPainting, ANarrowHeaderPutsTheDateUnderTheWeekday)
+{
+    REQUIRE_DISPLAY ();
+    std::pair<int, int> rows[2];
+    for (int narrow : { 0, 1 }) {
+        Fixture f (narrow ? 480 : 800, 420);
+        tav::GRefPtr<GdkPixbuf> shot = f.shot (narrow ? "week-view-header-480.png" : "week-view-header-800.png");
+        rows[narrow] = header_text_rows (shot.get (), f.table_width (), 2);
+    }
+    const auto [top1, bottom1] = rows[0];
+    const auto [top2, bottom2] = rows[1];
+    ASSERT_GE (top1, 0);
+    ASSERT_GE (top2, 0);
+    EXPECT_GT (bottom2 - top2, 3 * (bottom1 - top1) / 2) << "'Wed' over '11' on two lines";
 }
 
 TEST (WeekScrolling, APannableAreaDrivesTheView)

@@ -87,35 +87,4 @@ fill_busy_month (TavMemorySource *source, int year, int month, int count, unsign
     g_object_unref (processor);
 }
 
-void
-read_into (TavCalendarView *view, TavMemorySource *source)
-{
-    TavDateInterval interval;
-    if (!tav_calendar_view_get_presented_interval (view, &interval))
-        return;
-    tav_calendar_view_freeze (view);
-    tav_calendar_view_reading_started (view);
-    GList *events = tav_memory_source_list_events (source, &interval);
-    GList *tasks = tav_memory_source_list_tasks (source);
-    tav_calendar_view_add_entries (view, events);
-    tav_calendar_view_add_entries (view, tasks);
-    g_list_free_full (events, g_object_unref);
-    g_list_free_full (tasks, g_object_unref);
-    tav_calendar_view_thaw (view);
-    tav_calendar_view_reading_finished (view);
-}
-
-static gboolean
-on_database_access_read (TavCalendarView *view, gpointer source)
-{
-    read_into (view, TAV_MEMORY_SOURCE (source));
-    return TRUE;
-}
-
-void
-connect_reader (TavCalendarView *view, TavMemorySource *source)
-{
-    g_signal_connect (view, "database-access-read", G_CALLBACK (on_database_access_read), source);
-}
-
 } // namespace tav::test
