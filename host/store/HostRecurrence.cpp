@@ -1,5 +1,6 @@
 #include "HostRecurrence.h"
 #include "HostCivilTime.h"
+#include "HostZone.h"
 
 #include <libical/ical.h>
 
@@ -28,17 +29,18 @@ bool parse_rule (const std::string &text, icalrecurrencetype &rule)
     return rule.freq != ICAL_NO_RECURRENCE && icalerrno == ICAL_NO_ERROR;
 }
 
-/* The frame a rule runs in: the entry's own zone when it has one that
- * libical knows, otherwise local wall-clock time taken as floating time. */
+/* The frame a rule runs in: wall-clock minutes (floating entries, all-day
+ * ones and those of an unknown zone, taken as floating) or, for an
+ * instant, UTC minutes whose rule runs on the wall clock of its zone. */
 struct Frame {
     icaltimezone *zone = nullptr;
 
-    icaltimetype to_ical (int64_t civil) const
+    int64_t to_wall (int64_t frame) const { return zone ? wall_from_utc (frame, zone) : frame; }
+    int64_t from_wall (int64_t wall) const { return zone ? utc_from_wall (wall, zone) : wall; }
+
+    icaltimetype to_ical (int64_t frame) const
     {
-        if (zone) {
-            return icaltime_from_timet_with_zone (time_t_from_civil (civil), 0, zone);
-        }
-        const CivilFields f = civil_fields (civil);
+        const CivilFields f = civil_fields (to_wall (frame));
         icaltimetype t = icaltime_null_time ();
         t.year = f.year;
         t.month = f.month;
@@ -49,54 +51,46 @@ struct Frame {
         t.is_date = 0;
         return t;
     }
-
-    int64_t to_civil (const icaltimetype &t) const
-    {
-        if (zone) {
-            return civil_from_time_t (icaltime_as_timet_with_zone (t, zone));
-        }
-        return civil_minutes (t.year, t.month, t.day, t.is_date ? 0 : t.hour, t.is_date ? 0 : t.minute);
-    }
 };
 
 Frame frame_for (const EntryRecord &entry)
 {
     Frame frame;
-    if (!entry.tzid.empty ()) {
-        frame.zone = icaltimezone_get_builtin_timezone (entry.tzid.c_str ());
+    if (entry.is_instant ()) {
+        frame.zone = zone_for_tzid (entry.tzid);
     }
     return frame;
 }
 
-/* A floating rule must compare its UNTIL in local time too: an UNTIL given
- * in UTC is moved into the local wall clock first. */
-void localise_until (icalrecurrencetype &rule, const Frame &frame)
+/* UNTIL on the rule's own wall clock, as a date-time: a DATE includes its
+ * whole day, a UTC time moves to the zone's (or, floating, the local)
+ * wall clock. libical compares UNTIL with the occurrences' fields. */
+void normalise_until (icalrecurrencetype &rule, const Frame &frame)
 {
-    if (frame.zone || icaltime_is_null_time (rule.until) || !icaltime_is_utc (rule.until)) {
+    if (icaltime_is_null_time (rule.until)) {
         return;
     }
-    const int64_t civil = civil_from_time_t (icaltime_as_timet (rule.until));
-    const CivilFields f = civil_fields (civil);
-    rule.until.year = f.year;
-    rule.until.month = f.month;
-    rule.until.day = f.day;
-    rule.until.hour = f.hour;
-    rule.until.minute = f.minute;
-    rule.until.second = 0;
-    rule.until.zone = nullptr;
-}
-
-IteratorPtr make_iterator (const std::string &text, const Frame &frame, int64_t dtstart, icalrecurrencetype *out)
-{
-    icalrecurrencetype rule;
-    if (!parse_rule (text, rule)) {
-        return nullptr;
+    icaltimetype &u = rule.until;
+    if (u.is_date) {
+        u.is_date = 0;
+        u.hour = 23;
+        u.minute = 59;
+        u.second = 59;
+        u.zone = nullptr;
+        return;
     }
-    localise_until (rule, frame);
-    if (out) {
-        *out = rule;
+    if (!icaltime_is_utc (u)) {
+        return;
     }
-    return IteratorPtr (icalrecur_iterator_new (rule, frame.to_ical (dtstart)));
+    const int64_t utc = civil_minutes (u.year, u.month, u.day, u.hour, u.minute);
+    const int64_t wall = frame.zone ? wall_from_utc (utc, frame.zone) : local_from_utc (utc);
+    const CivilFields f = civil_fields (wall);
+    u.year = f.year;
+    u.month = f.month;
+    u.day = f.day;
+    u.hour = f.hour;
+    u.minute = f.minute;
+    u.zone = nullptr;
 }
 
 bool rule_is_unbounded (const icalrecurrencetype &rule)
@@ -145,9 +139,6 @@ bool simple_rule (const icalrecurrencetype &r, int64_t start, SimpleRule &out)
     out.mask = 0;
     out.week_start = r.week_start == ICAL_NO_WEEKDAY ? 1 : static_cast<int> (r.week_start) - 1;
     if (!icaltime_is_null_time (r.until)) {
-        if (r.until.is_date || r.until.zone) {
-            return false;
-        }
         out.until = civil_minutes (r.until.year, r.until.month, r.until.day, r.until.hour, r.until.minute);
     }
     for (int i = 0; i < ICAL_BY_DAY_SIZE && r.by_day[i] != ICAL_RECURRENCE_ARRAY_MAX; ++i) {
@@ -156,14 +147,10 @@ bool simple_rule (const icalrecurrencetype &r, int64_t start, SimpleRule &out)
         }
         out.mask |= 1u << (static_cast<int> (icalrecurrencetype_day_day_of_week (r.by_day[i])) - 1);
     }
-    /* A start off the weekdays is left to libical, and so are weeks that
-     * do not begin on Monday in rules that skip weeks: libical 3.0 aligns
-     * those differently from RFC 5545 (it drops the first week), and the
-     * calendar must show what libical computes everywhere else. */
+    /* A start off the weekdays is left to libical. Weeks that do not begin
+     * on Monday in rules that skip weeks are counted here: libical 3.0
+     * aligns those differently from RFC 5545 (it drops the first week). */
     if (out.mask && !(out.mask & (1u << civil_weekday (start)))) {
-        return false;
-    }
-    if (out.mask && out.interval > 1 && out.week_start != 1) {
         return false;
     }
     return true;
@@ -267,14 +254,15 @@ void walk_simple (const SimpleRule &rule, int64_t start, int64_t lower, int64_t 
     }
 }
 
-/* A zone's wall clock is never more than 26 hours from local time. */
-constexpr int64_t kZoneMargin = 26 * 60;
+/* A zone's wall clock is never more than 15 hours from UTC. */
+constexpr int64_t kZoneMargin = 15 * 60;
 
-/* Occurrences of one rule (civil minutes), beginning the iteration at
+/* Occurrences of one rule in the entry's frame, beginning the iteration at
  * @seek when the rule allows it, skipping those that start before
- * @skip_before and stopping past @to. Converting an occurrence out of its
- * zone is the costly step, so occurrences are first placed by their own
- * wall-clock fields and converted only when they may matter. */
+ * @skip_before and stopping past @to (all frame minutes). The rule runs on
+ * its wall clock; converting an occurrence to UTC is the costly step, so
+ * occurrences are placed by their wall-clock fields first and converted
+ * only when they may matter. */
 template <typename Sink>
 void walk_rule (const std::string &text, const EntryRecord &entry, int64_t seek, int64_t skip_before, int64_t to,
                 size_t limit, bool arithmetic, Sink sink)
@@ -284,10 +272,28 @@ void walk_rule (const std::string &text, const EntryRecord &entry, int64_t seek,
     if (!parse_rule (text, rule)) {
         return;
     }
-    localise_until (rule, frame);
+    normalise_until (rule, frame);
+    const int64_t margin = frame.zone ? kZoneMargin : 0;
+    const int64_t lower = skip_before == std::numeric_limits<int64_t>::min () ? skip_before : skip_before - margin;
+    const int64_t upper = to == kUnbounded ? to : to + margin;
+    const int64_t wall_start = frame.to_wall (entry.start);
+    /* Wall-clock occurrence to frame minutes; false: stop. */
+    auto offer = [&] (int64_t wall) {
+        if (wall > upper) {
+            return false;
+        }
+        if (wall < lower) {
+            return true;
+        }
+        const int64_t at = frame.from_wall (wall);
+        if (at > to) {
+            return false;
+        }
+        return at < skip_before || sink (at);
+    };
     SimpleRule simple;
-    if (arithmetic && !frame.zone && simple_rule (rule, entry.start, simple)) {
-        walk_simple (simple, entry.start, skip_before, to, limit, sink);
+    if (arithmetic && simple_rule (rule, wall_start, simple)) {
+        walk_simple (simple, wall_start, lower, upper, limit, offer);
         return;
     }
     /* Without COUNT the n-th occurrence does not depend on the ones before
@@ -304,7 +310,7 @@ void walk_rule (const std::string &text, const EntryRecord &entry, int64_t seek,
     if (!it) {
         return;
     }
-    if (seeking && !icalrecur_iterator_set_start (it.get (), frame.to_ical (seek))) {
+    if (seeking && !icalrecur_iterator_set_start (it.get (), frame.to_ical (seek - margin))) {
         rule.until = until;
         until = icaltime_null_time ();
         it.reset (icalrecur_iterator_new (rule, frame.to_ical (entry.start)));
@@ -312,39 +318,27 @@ void walk_rule (const std::string &text, const EntryRecord &entry, int64_t seek,
             return;
         }
     }
-    const int64_t margin = frame.zone ? kZoneMargin : 0;
-    const int64_t lower = skip_before == std::numeric_limits<int64_t>::min () ? skip_before : skip_before - margin;
-    const int64_t upper = to == kUnbounded ? to : to + margin;
-    size_t steps = 0;
+    size_t steps = 0, in_window = 0;
     for (icaltimetype t = icalrecur_iterator_next (it.get ()); !icaltime_is_null_time (t);
          t = icalrecur_iterator_next (it.get ())) {
-        if (++steps > limit * 4 + 1000) {
+        if (++steps > 4 * kMaxInstances) {
             break;
         }
         if (!icaltime_is_null_time (until) && icaltime_compare (t, until) > 0) {
             break;
         }
         const int64_t wall = civil_minutes (t.year, t.month, t.day, t.is_date ? 0 : t.hour, t.is_date ? 0 : t.minute);
-        if (wall > upper) {
+        if (wall >= lower && ++in_window > limit * 4 + 1000) {
             break;
         }
-        if (wall < lower) {
-            continue;
-        }
-        const int64_t civil = frame.zone ? frame.to_civil (t) : wall;
-        if (civil > to) {
-            break;
-        }
-        if (civil < skip_before) {
-            continue;
-        }
-        if (!sink (civil)) {
+        if (!offer (wall)) {
             break;
         }
     }
 }
 
-std::vector<int64_t> expand (const EntryRecord &entry, int64_t from, int64_t to, size_t limit, bool seek)
+/* expand() in the entry's own frame (see Frame). */
+std::vector<int64_t> expand_frame (const EntryRecord &entry, int64_t from, int64_t to, size_t limit, bool seek)
 {
     std::vector<int64_t> result;
     const int64_t duration = std::max<int64_t> (0, entry.duration ());
@@ -360,21 +354,25 @@ std::vector<int64_t> expand (const EntryRecord &entry, int64_t from, int64_t to,
     const int64_t window_start = from == std::numeric_limits<int64_t>::min () ? from : from - duration;
     const int64_t seek_to = seek ? window_start : entry.start;
 
+    /* Exception dates, EXRULE occurrences and the instances that
+     * exceptions of the series replace. */
     std::vector<int64_t> excluded (entry.exdates);
+    excluded.insert (excluded.end (), entry.overridden.begin (), entry.overridden.end ());
     if (!entry.exrule.empty ()) {
         walk_rule (entry.exrule, entry, entry.start, window_start, to, kMaxInstances, seek, [&] (int64_t s) {
             excluded.push_back (s);
             return true;
         });
     }
-    auto is_excluded = [&] (int64_t s) {
-        for (int64_t x : excluded) {
-            /* An exception given as a date removes the occurrence on that day. */
-            if (x == s || (entry.all_day && civil_day_start (x) == civil_day_start (s))) {
-                return true;
-            }
+    if (entry.all_day) {
+        /* An exception given as a date removes the occurrence on that day. */
+        for (int64_t &x : excluded) {
+            x = civil_day_start (x);
         }
-        return false;
+    }
+    std::sort (excluded.begin (), excluded.end ());
+    auto is_excluded = [&] (int64_t s) {
+        return std::binary_search (excluded.begin (), excluded.end (), entry.all_day ? civil_day_start (s) : s);
     };
 
     if (!entry.rrule.empty ()) {
@@ -390,6 +388,39 @@ std::vector<int64_t> expand (const EntryRecord &entry, int64_t from, int64_t to,
     for (int64_t r : entry.rdates) {
         if (touches (r) && !is_excluded (r)) {
             result.push_back (r);
+        }
+    }
+    std::sort (result.begin (), result.end ());
+    result.erase (std::unique (result.begin (), result.end ()), result.end ());
+    if (result.size () > limit) {
+        result.resize (limit);
+    }
+    return result;
+}
+
+/* The first and last minutes the store holds. */
+const int64_t kLowest = civil_minutes (1, 1, 1);
+const int64_t kHighest = civil_minutes (9999, 12, 31, 23, 59);
+
+/* Instants expand on their zone's wall clock into UTC minutes; the
+ * viewer's window is widened to UTC (two hours spare for the local
+ * daylight-saving change), and the instances are moved to the local wall
+ * clock and cut to the window exactly. */
+std::vector<int64_t> expand (const EntryRecord &entry, int64_t from, int64_t to, size_t limit, bool seek)
+{
+    if (!entry.is_instant ()) {
+        return expand_frame (entry, from, to, limit, seek);
+    }
+    constexpr int64_t slack = 120;
+    const int64_t f = from <= kLowest ? std::numeric_limits<int64_t>::min () : utc_from_local (from) - slack;
+    const int64_t t = to >= kHighest ? kUnbounded : utc_from_local (to) + slack;
+    const size_t wider = limit >= kMaxInstances ? limit : std::min (kMaxInstances, limit + 64);
+    const int64_t duration = std::max<int64_t> (0, entry.duration ());
+    std::vector<int64_t> result;
+    for (int64_t u : expand_frame (entry, f, t, wider, seek)) {
+        const int64_t local = local_from_utc (u);
+        if (local <= to && local + duration >= from) {
+            result.push_back (local);
         }
     }
     std::sort (result.begin (), result.end ());
