@@ -45,6 +45,43 @@ struct ParseError {
     std::string message;
 };
 
+/* libical's own string reader looks for the end of the line again for
+ * every kilobyte it hands out, which is quadratic in the length of a line;
+ * this one remembers where the line ends. */
+struct LineFeeder {
+    const char *pos;
+    const char *end;
+    const char *eol = nullptr;  /* the next '\n' at or after pos, or end */
+
+    static char *next (char *out, size_t size, void *data)
+    {
+        LineFeeder &f = *static_cast<LineFeeder *> (data);
+        if (f.pos >= f.end || size < 2) {
+            return nullptr;
+        }
+        if (!f.eol || f.eol < f.pos) {
+            const void *nl = memchr (f.pos, '\n', static_cast<size_t> (f.end - f.pos));
+            f.eol = nl ? static_cast<const char *> (nl) : f.end;
+        }
+        const size_t line = static_cast<size_t> (f.eol - f.pos) + (f.eol < f.end ? 1 : 0);
+        const size_t n = std::min (line, size - 1);
+        memcpy (out, f.pos, n);
+        out[n] = '\0';
+        f.pos += n;
+        return out;
+    }
+};
+
+icalcomponent *parse_component (const std::string &text)
+{
+    icalparser *parser = icalparser_new ();
+    LineFeeder feeder {text.data (), text.data () + text.size ()};
+    icalparser_set_gen_data (parser, &feeder);
+    icalcomponent *comp = icalparser_parse (parser, LineFeeder::next);
+    icalparser_free (parser);
+    return comp;
+}
+
 bool valid_name_char (char c)
 {
     return g_ascii_isalnum (c) || c == '-';
@@ -1065,7 +1102,7 @@ ImportResult import_ics_text (Store &store, int64_t calendar_id, const std::stri
             source += l->text + "\r\n";
         }
         source += "END:" + item.kind + "\r\n";
-        ComponentPtr comp (icalparser_parse_string (source.c_str ()));
+        ComponentPtr comp (parse_component (source));
         EntryRecord rec;
         rec.calendar_id = calendar_id;
         std::string message;

@@ -26,6 +26,26 @@ bool parse_rule (const std::string &text, icalrecurrencetype &rule)
     icalerror_set_error_state (ICAL_MALFORMEDDATA_ERROR, ICAL_ERROR_NONFATAL);
     rule = icalrecurrencetype_from_string (text.c_str ());
     icalerror_set_error_state (ICAL_MALFORMEDDATA_ERROR, saved);
+    /* The order of a BYxxx list and repeated values mean nothing, but
+     * libical 3.0 steps through the lists as written (BYHOUR=17,9 gives 17
+     * first, and COUNT then cuts the wrong one): sorted and unique. */
+    auto tidy = [] (short *list, int size) {
+        int n = 0;
+        while (n < size && list[n] != ICAL_RECURRENCE_ARRAY_MAX) {
+            ++n;
+        }
+        std::sort (list, list + n);
+        short *end = std::unique (list, list + n);
+        std::fill (end, list + n, static_cast<short> (ICAL_RECURRENCE_ARRAY_MAX));
+    };
+    tidy (rule.by_second, ICAL_BY_SECOND_SIZE);
+    tidy (rule.by_minute, ICAL_BY_MINUTE_SIZE);
+    tidy (rule.by_hour, ICAL_BY_HOUR_SIZE);
+    tidy (rule.by_month_day, ICAL_BY_MONTHDAY_SIZE);
+    tidy (rule.by_year_day, ICAL_BY_YEARDAY_SIZE);
+    tidy (rule.by_week_no, ICAL_BY_WEEKNO_SIZE);
+    tidy (rule.by_month, ICAL_BY_MONTH_SIZE);
+    tidy (rule.by_set_pos, ICAL_BY_SETPOS_SIZE);
     return rule.freq != ICAL_NO_RECURRENCE && icalerrno == ICAL_NO_ERROR;
 }
 
@@ -254,6 +274,122 @@ void walk_simple (const SimpleRule &rule, int64_t start, int64_t lower, int64_t 
     }
 }
 
+/* Parts of a rule libical 3.0 gets wrong, taken out of its hands: the
+ * iterator runs without them and its occurrences are filtered here.
+ *  - BYMONTHDAY of a daily or shorter rule and BYYEARDAY of an hourly or
+ *    minutely one (limits; libical misreads negative days);
+ *  - INTERVAL of an hourly or minutely rule with BYxxx parts, and of a
+ *    weekly rule whose weeks do not start on Monday (libical aligns the
+ *    periods wrongly): libical steps every period, the filter keeps every
+ *    INTERVAL-th one counted from DTSTART's;
+ *  - COUNT of an hourly or minutely rule with BYxxx parts (libical hands
+ *    out DTSTART twice).
+ * COUNT and UNTIL then count what the filter keeps. Rules with BYSETPOS
+ * are left to libical (a set position depends on the whole period). */
+struct Corrections {
+    bool active = false;
+    icalrecurrencetype_frequency freq = ICAL_NO_RECURRENCE;
+    int interval = 1;
+    int week_start = 1;  /* 0 = Sunday */
+    std::vector<int> month_days;
+    std::vector<int> year_days;
+    int count = 0;
+    int64_t until = kUnbounded;  /* wall minutes */
+    int64_t start = 0;           /* wall minutes of DTSTART */
+
+    int64_t period (int64_t wall) const
+    {
+        switch (freq) {
+        case ICAL_WEEKLY_RECURRENCE: {
+            auto week = [this] (int64_t m) {
+                const int64_t day = floor_div (m, kMinutesPerDay);
+                return day - (civil_weekday (m) - week_start + 7) % 7;
+            };
+            return (week (wall) - week (start)) / 7;
+        }
+        case ICAL_HOURLY_RECURRENCE: return floor_div (wall, 60) - floor_div (start, 60);
+        case ICAL_MINUTELY_RECURRENCE: return wall - start;
+        default: return floor_div (wall, kMinutesPerDay) - floor_div (start, kMinutesPerDay);
+        }
+    }
+
+    bool accepts (int64_t wall) const
+    {
+        if (interval > 1 && period (wall) % interval != 0) {
+            return false;
+        }
+        if (!month_days.empty ()) {
+            const CivilFields f = civil_fields (wall);
+            const int last = static_cast<int> (month_length (f.year, f.month));
+            if (std::find (month_days.begin (), month_days.end (), f.day) == month_days.end ()
+                && std::find (month_days.begin (), month_days.end (), f.day - last - 1) == month_days.end ()) {
+                return false;
+            }
+        }
+        if (!year_days.empty ()) {
+            const CivilFields f = civil_fields (wall);
+            const int doy = static_cast<int> (floor_div (wall, kMinutesPerDay) - days_from_civil (f.year, 1, 1)) + 1;
+            const int len = 365 + (month_length (f.year, 2) == 29);
+            if (std::find (year_days.begin (), year_days.end (), doy) == year_days.end ()
+                && std::find (year_days.begin (), year_days.end (), doy - len - 1) == year_days.end ()) {
+                return false;
+            }
+        }
+        return true;
+    }
+};
+
+Corrections take_corrections (icalrecurrencetype &rule, int64_t wall_start)
+{
+    Corrections c;
+    if (rule.by_set_pos[0] != ICAL_RECURRENCE_ARRAY_MAX) {
+        return c;
+    }
+    const bool short_freq = rule.freq == ICAL_HOURLY_RECURRENCE || rule.freq == ICAL_MINUTELY_RECURRENCE;
+    const bool any_by = rule.by_minute[0] != ICAL_RECURRENCE_ARRAY_MAX || rule.by_hour[0] != ICAL_RECURRENCE_ARRAY_MAX
+                        || rule.by_day[0] != ICAL_RECURRENCE_ARRAY_MAX || rule.by_month_day[0] != ICAL_RECURRENCE_ARRAY_MAX
+                        || rule.by_year_day[0] != ICAL_RECURRENCE_ARRAY_MAX || rule.by_month[0] != ICAL_RECURRENCE_ARRAY_MAX;
+    const int week_start = rule.week_start == ICAL_NO_WEEKDAY ? 1 : static_cast<int> (rule.week_start) - 1;
+    /* Hourly and minutely rules with BYxxx parts also come here when they
+     * step every period: libical 3.0 hands out DTSTART twice, and COUNT
+     * counts it twice. */
+    const bool fix_short = short_freq && any_by;
+    const bool fix_interval = rule.interval > 1 && (fix_short || (rule.freq == ICAL_WEEKLY_RECURRENCE && week_start != 1));
+    const bool fix_month_days = (short_freq || rule.freq == ICAL_DAILY_RECURRENCE)
+                                && rule.by_month_day[0] != ICAL_RECURRENCE_ARRAY_MAX;
+    if (!fix_short && !fix_interval && !fix_month_days) {
+        return c;
+    }
+    c.active = true;
+    c.freq = rule.freq;
+    c.week_start = week_start;
+    c.start = wall_start;
+    if (fix_interval) {
+        c.interval = rule.interval;
+        rule.interval = 1;
+    }
+    if (fix_month_days) {
+        for (int i = 0; i < ICAL_BY_MONTHDAY_SIZE && rule.by_month_day[i] != ICAL_RECURRENCE_ARRAY_MAX; ++i) {
+            c.month_days.push_back (rule.by_month_day[i]);
+        }
+        rule.by_month_day[0] = ICAL_RECURRENCE_ARRAY_MAX;
+    }
+    if (short_freq) {
+        for (int i = 0; i < ICAL_BY_YEARDAY_SIZE && rule.by_year_day[i] != ICAL_RECURRENCE_ARRAY_MAX; ++i) {
+            c.year_days.push_back (rule.by_year_day[i]);
+        }
+        rule.by_year_day[0] = ICAL_RECURRENCE_ARRAY_MAX;
+    }
+    c.count = rule.count;
+    rule.count = 0;
+    if (!icaltime_is_null_time (rule.until)) {
+        const icaltimetype &u = rule.until;
+        c.until = civil_minutes (u.year, u.month, u.day, u.hour, u.minute);
+        rule.until = icaltime_null_time ();
+    }
+    return c;
+}
+
 /* A zone's wall clock is never more than 15 hours from UTC. */
 constexpr int64_t kZoneMargin = 15 * 60;
 
@@ -296,11 +432,15 @@ void walk_rule (const std::string &text, const EntryRecord &entry, int64_t seek,
         walk_simple (simple, wall_start, lower, upper, limit, offer);
         return;
     }
+    const Corrections fix = take_corrections (rule, wall_start);
     /* Without COUNT the n-th occurrence does not depend on the ones before
      * it, so the iterator may begin at the window. libical seeks only rules
      * without an end; an UNTIL merely cuts the sequence short, so it is
      * applied here instead. */
-    const bool seeking = seek > entry.start && rule.count == 0;
+    /* libical 3.0 seeks hourly and minutely rules with BYxxx parts past
+     * occurrences: those are stepped from DTSTART. */
+    const bool short_with_parts = fix.active && (fix.freq == ICAL_HOURLY_RECURRENCE || fix.freq == ICAL_MINUTELY_RECURRENCE);
+    const bool seeking = seek > entry.start && rule.count == 0 && fix.count == 0 && !short_with_parts;
     icaltimetype until = icaltime_null_time ();
     if (seeking && !icaltime_is_null_time (rule.until)) {
         until = rule.until;
@@ -319,6 +459,8 @@ void walk_rule (const std::string &text, const EntryRecord &entry, int64_t seek,
         }
     }
     size_t steps = 0, in_window = 0;
+    int kept = 0;
+    int64_t last_kept = std::numeric_limits<int64_t>::min ();
     for (icaltimetype t = icalrecur_iterator_next (it.get ()); !icaltime_is_null_time (t);
          t = icalrecur_iterator_next (it.get ())) {
         if (++steps > 4 * kMaxInstances) {
@@ -328,6 +470,17 @@ void walk_rule (const std::string &text, const EntryRecord &entry, int64_t seek,
             break;
         }
         const int64_t wall = civil_minutes (t.year, t.month, t.day, t.is_date ? 0 : t.hour, t.is_date ? 0 : t.minute);
+        if (fix.active) {
+            /* libical repeats DTSTART when it steps every period. */
+            if (wall < wall_start || wall <= last_kept || !fix.accepts (wall)) {
+                continue;
+            }
+            last_kept = wall;
+            if (wall > fix.until || (fix.count && kept >= fix.count)) {
+                break;
+            }
+            ++kept;
+        }
         if (wall >= lower && ++in_window > limit * 4 + 1000) {
             break;
         }

@@ -1,6 +1,7 @@
 #include "HostZone.h"
 #include "HostCivilTime.h"
 
+#include <algorithm>
 #include <map>
 
 namespace tav::host {
@@ -114,14 +115,37 @@ std::string zone_definition (const std::string &tzid)
     return out;
 }
 
+namespace {
+
+/* The zone's offset (minutes) at a UTC instant. */
+int64_t offset_at (int64_t utc, icaltimezone *zone)
+{
+    icaltimetype t = fields_of (utc);
+    int dst = 0;
+    return floor_div (icaltimezone_get_utc_offset_of_utc_time (zone, &t, &dst), 60);
+}
+
+}  // namespace
+
+/* A wall-clock time that occurs twice (the hour the clocks go back) is the
+ * first of the two; one that does not occur (the hour they skip) is read
+ * with the offset before the change. */
 int64_t utc_from_wall (int64_t wall, icaltimezone *zone)
 {
     if (!zone || zone == icaltimezone_get_utc_timezone ()) {
         return wall;
     }
-    icaltimetype t = fields_of (wall);
-    int dst = 0;
-    return wall - floor_div (icaltimezone_get_utc_offset (zone, &t, &dst), 60);
+    const int64_t before = offset_at (wall - kMinutesPerDay, zone);
+    const int64_t after = offset_at (wall + kMinutesPerDay, zone);
+    const int64_t a = wall - before, b = wall - after;
+    const bool a_ok = offset_at (a, zone) == before, b_ok = offset_at (b, zone) == after;
+    if (a_ok && b_ok) {
+        return std::min (a, b);
+    }
+    if (b_ok) {
+        return b;
+    }
+    return a;
 }
 
 int64_t wall_from_utc (int64_t utc, icaltimezone *zone)
