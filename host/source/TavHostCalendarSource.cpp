@@ -393,6 +393,8 @@ void record_from_entry (TavCalendarEntry *entry, EntryRecord &r)
     r.start = civil_of (start->date, start->time);
     r.end = civil_of (*end_date, *end_time);
     if (r.kind == EntryKind::Task) {
+        /* An undated task shown today stays undated until given a day. */
+        r.undated = r.undated && civil_day_start (r.start) == civil_day_start (civil_from_time_t (time (nullptr)));
         r.start = civil_day_start (r.start);
         r.end = r.start + 1439;
         gboolean done = FALSE;

@@ -598,6 +598,8 @@ bool to_record (icalcomponent *comp, const Item &item, const TimeReader &times, 
             const icaltimetype t = due ? icalproperty_get_due (due) : icalproperty_get_dtstart (dtstart);
             rec.start = civil_day_start (TimeReader::in_frame (times.read (t, tzid_of (when)), ""));
         } else {
+            /* Kept undated; shown on the day it is looked at. */
+            rec.undated = true;
             rec.start = civil_day_start (civil_from_time_t (time (nullptr)));
         }
         rec.all_day = true;
@@ -665,13 +667,23 @@ bool to_record (icalcomponent *comp, const Item &item, const TimeReader &times, 
              p = icalcomponent_get_next_property (comp, ICAL_RDATE_PROPERTY)) {
             const struct icaldatetimeperiodtype d = icalproperty_get_rdate (p);
             if (icaltime_is_null_time (d.time)) {
-                /* A period: its start is an instance of the entry's length. */
+                /* A period: its start is an instance (of the entry's length);
+                 * the period is kept to be written back. */
                 if (!icaltime_is_null_time (d.period.start)) {
-                    rec.rdates.push_back (in_frame (p, d.period.start));
+                    const int64_t begin = in_frame (p, d.period.start);
+                    const int64_t end = !icaltime_is_null_time (d.period.end)
+                                            ? in_frame (p, d.period.end)
+                                            : begin + icaldurationtype_as_int (d.period.duration) / 60;
+                    rec.rdate_ends.resize (rec.rdates.size (), kNoRecurrenceId);
+                    rec.rdates.push_back (begin);
+                    rec.rdate_ends.push_back (end);
                 }
                 continue;
             }
             rec.rdates.push_back (in_frame (p, d.time));
+            if (!rec.rdate_ends.empty ()) {
+                rec.rdate_ends.push_back (kNoRecurrenceId);
+            }
         }
         std::sort (rec.exdates.begin (), rec.exdates.end ());
         if (rec.is_exception ()) {
@@ -680,6 +692,7 @@ bool to_record (icalcomponent *comp, const Item &item, const TimeReader &times, 
             rec.exrule.clear ();
             rec.exdates.clear ();
             rec.rdates.clear ();
+            rec.rdate_ends.clear ();
         }
         if (!rec.rrule.empty ()) {
             Status s = validate_rrule (rec.rrule);
@@ -853,11 +866,13 @@ namespace {
 bool same_entry (const EntryRecord &a, const EntryRecord &b)
 {
     return a.kind == b.kind && a.title == b.title && a.description == b.description && a.location == b.location
-           && a.start == b.start && a.end == b.end && a.all_day == b.all_day && a.tzid == b.tzid
+           && (a.undated || (a.start == b.start && a.end == b.end)) && a.all_day == b.all_day && a.tzid == b.tzid
            && a.rrule == b.rrule && a.exrule == b.exrule && a.exdates == b.exdates && a.rdates == b.rdates
+           && a.rdate_ends == b.rdate_ends
            && a.alarm_code == b.alarm_code && a.alarm_time == b.alarm_time && a.alarms == b.alarms
            && a.extra == b.extra && a.done == b.done && a.cancelled == b.cancelled && a.sequence == b.sequence
-           && a.has_birthday == b.has_birthday && a.birth_year == b.birth_year;
+           && a.has_birthday == b.has_birthday && a.birth_year == b.birth_year && a.undated == b.undated
+           && (a.undated || a.start == b.start);
 }
 
 /* Whether the stored @old is newer than the incoming @incoming. */
@@ -1325,8 +1340,14 @@ void write_record (std::string &out, const EntryRecord &rec)
         for (int64_t x : rec.exdates) {
             append_line (out, "EXDATE" + when (x));
         }
-        for (int64_t r : rec.rdates) {
-            append_line (out, "RDATE" + when (r));
+        for (size_t i = 0; i < rec.rdates.size (); ++i) {
+            const bool period = i < rec.rdate_ends.size () && rec.rdate_ends[i] != kNoRecurrenceId && !rec.all_day;
+            if (period) {
+                const std::string end = when (rec.rdate_ends[i]);
+                append_line (out, "RDATE;VALUE=PERIOD" + when (rec.rdates[i]) + "/" + end.substr (end.rfind (':') + 1));
+            } else {
+                append_line (out, "RDATE" + when (rec.rdates[i]));
+            }
         }
         if (rec.has_birthday) {
             append_line (out, "X-TAV-BIRTHDAY:" + std::to_string (rec.birth_year));
@@ -1334,7 +1355,9 @@ void write_record (std::string &out, const EntryRecord &rec)
         break;
     }
     case EntryKind::Task:
-        append_line (out, "DUE;VALUE=DATE:" + format_date (rec.start));
+        if (!rec.undated) {
+            append_line (out, "DUE;VALUE=DATE:" + format_date (rec.start));
+        }
         append_line (out, rec.done ? "STATUS:COMPLETED" : "STATUS:NEEDS-ACTION");
         break;
     case EntryKind::Note:

@@ -72,6 +72,10 @@ struct EntryRecord {
     std::string exrule;         /* RFC 2445 EXRULE value, kept when imported */
     std::vector<int64_t> exdates;
     std::vector<int64_t> rdates;
+    /* Ends of RDATE periods, beside rdates (kNoRecurrenceId: a plain
+     * date); empty when none is a period. Instances keep the entry's
+     * length; the periods are written back as they came. */
+    std::vector<int64_t> rdate_ends;
     std::string tzid;           /* zone of the times; empty: floating */
 
     /* A series is its master (no RECURRENCE-ID) and its exceptions, all
@@ -86,6 +90,7 @@ struct EntryRecord {
     std::vector<int64_t> overridden;
 
     bool done = false;          /* tasks */
+    bool undated = false;       /* a task without a due date (start: the day it was read) */
     bool has_birthday = false;
     int birth_year = -1;
 

@@ -118,6 +118,7 @@ CREATE TABLE entries_v3 (
     dtstamp      INTEGER NOT NULL DEFAULT 0,
     cancelled    INTEGER NOT NULL DEFAULT 0,
     alarms       TEXT,
+    undated      INTEGER NOT NULL DEFAULT 0,
     UNIQUE (calendar_id, uid, recurrence_id)
 );
 INSERT INTO entries_v3 (id, calendar_id, kind, uid, title, description, location, start, end, all_day,
@@ -144,7 +145,7 @@ const char *const kEntryColumns =
     "e.id, e.calendar_id, e.kind, e.uid, e.title, e.description, e.location, e.start, e.end, e.all_day, "
     "e.alarm_code, e.alarm_time, e.repeat_code, e.rrule, e.exdates, e.done, e.has_birthday, e.birth_year, "
     "e.created, e.modified, e.exrule, e.rdates, e.tzid, e.extra, e.recurrence_id, e.sequence, e.dtstamp, e.cancelled, "
-    "e.alarms";
+    "e.alarms, e.undated";
 
 std::string join_minutes (const std::vector<int64_t> &values)
 {
@@ -156,6 +157,43 @@ std::string join_minutes (const std::vector<int64_t> &values)
         out += std::to_string (v);
     }
     return out;
+}
+
+/* RDATEs, "start" or "start/end" for a period. */
+std::string join_rdates (const EntryRecord &e)
+{
+    std::string out;
+    for (size_t i = 0; i < e.rdates.size (); ++i) {
+        out += (i ? "," : "") + std::to_string (e.rdates[i]);
+        if (i < e.rdate_ends.size () && e.rdate_ends[i] != kNoRecurrenceId) {
+            out += "/" + std::to_string (e.rdate_ends[i]);
+        }
+    }
+    return out;
+}
+
+void split_rdates (const char *text, EntryRecord &e)
+{
+    e.rdates.clear ();
+    e.rdate_ends.clear ();
+    bool periods = false;
+    for (const char *p = text; p && *p;) {
+        char *end = nullptr;
+        e.rdates.push_back (g_ascii_strtoll (p, &end, 10));
+        int64_t period_end = kNoRecurrenceId;
+        if (*end == '/') {
+            period_end = g_ascii_strtoll (end + 1, &end, 10);
+            periods = true;
+        }
+        e.rdate_ends.push_back (period_end);
+        p = *end == ',' ? end + 1 : end;
+        if (p == end && *p) {
+            break;  /* not ours */
+        }
+    }
+    if (!periods) {
+        e.rdate_ends.clear ();
+    }
 }
 
 std::vector<int64_t> split_minutes (const char *text)
@@ -363,7 +401,7 @@ Status open_failure (const std::string &path, int rc, const std::string &detail 
 Status Store::index_entry (const EntryRecord &e)
 {
     Status s = step_with_id ("DELETE FROM entry_spans WHERE id = ?", e.id, "indexing '" + e.title + "'");
-    if (!s.ok () || e.kind == EntryKind::Note || e.cancelled) {
+    if (!s.ok () || e.kind == EntryKind::Note || e.cancelled || e.undated) {
         return s;
     }
     const int64_t hi = e.kind == EntryKind::Task ? std::max (e.end, civil_day_start (e.start) + 1439)
@@ -762,7 +800,7 @@ std::vector<EntryRecord> Store::query_entries (sqlite3_stmt *stmt)
         e.created = sqlite3_column_int64 (stmt, 18);
         e.modified = sqlite3_column_int64 (stmt, 19);
         e.exrule = column_text (stmt, 20);
-        e.rdates = split_minutes (reinterpret_cast<const char *> (sqlite3_column_text (stmt, 21)));
+        split_rdates (reinterpret_cast<const char *> (sqlite3_column_text (stmt, 21)), e);
         e.tzid = column_text (stmt, 22);
         e.extra = column_text (stmt, 23);
         e.recurrence_id = sqlite3_column_int64 (stmt, 24);
@@ -770,6 +808,12 @@ std::vector<EntryRecord> Store::query_entries (sqlite3_stmt *stmt)
         e.dtstamp = sqlite3_column_int64 (stmt, 26);
         e.cancelled = sqlite3_column_int (stmt, 27) != 0;
         e.alarms = column_text (stmt, 28);
+        e.undated = sqlite3_column_int (stmt, 29) != 0;
+        if (e.undated) {
+            /* An undated task is due today, whenever today is. */
+            e.start = civil_day_start (civil_from_time_t (time (nullptr)));
+            e.end = e.start + 1439;
+        }
         out.push_back (std::move (e));
     }
     return out;
@@ -870,11 +914,11 @@ Status Store::write_entry (EntryRecord &e, bool insert)
         insert ? prepare ("INSERT INTO entries (calendar_id, kind, uid, title, description, location, start, end, "
                           "all_day, alarm_code, alarm_time, repeat_code, rrule, exdates, done, has_birthday, "
                           "birth_year, created, modified, exrule, rdates, tzid, extra, recurrence_id, sequence, dtstamp, "
-                          "cancelled, alarms) VALUES (?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?)")
+                          "cancelled, alarms, undated) VALUES (?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?)")
                : prepare ("UPDATE entries SET calendar_id=?, kind=?, uid=?, title=?, description=?, location=?, "
                           "start=?, end=?, all_day=?, alarm_code=?, alarm_time=?, repeat_code=?, rrule=?, "
                           "exdates=?, done=?, has_birthday=?, birth_year=?, created=?, modified=?, exrule=?, "
-                          "rdates=?, tzid=?, extra=?, recurrence_id=?, sequence=?, dtstamp=?, cancelled=?, alarms=? "
+                          "rdates=?, tzid=?, extra=?, recurrence_id=?, sequence=?, dtstamp=?, cancelled=?, alarms=?, undated=? "
                           "WHERE id=?");
     {
         StmtUse use (stmt);
@@ -898,7 +942,7 @@ Status Store::write_entry (EntryRecord &e, bool insert)
         sqlite3_bind_int64 (stmt, 18, stored.created);
         sqlite3_bind_int64 (stmt, 19, stored.modified);
         bind_text (stmt, 20, stored.exrule, true);
-        bind_text (stmt, 21, join_minutes (stored.rdates), true);
+        bind_text (stmt, 21, join_rdates (stored), true);
         bind_text (stmt, 22, stored.tzid, true);
         bind_text (stmt, 23, stored.extra, true);
         sqlite3_bind_int64 (stmt, 24, stored.recurrence_id);
@@ -906,8 +950,9 @@ Status Store::write_entry (EntryRecord &e, bool insert)
         sqlite3_bind_int64 (stmt, 26, stored.dtstamp);
         sqlite3_bind_int (stmt, 27, stored.cancelled);
         bind_text (stmt, 28, stored.alarms, true);
+        sqlite3_bind_int (stmt, 29, stored.undated && stored.kind == EntryKind::Task);
         if (!insert) {
-            sqlite3_bind_int64 (stmt, 29, stored.id);
+            sqlite3_bind_int64 (stmt, 30, stored.id);
         }
         const int rc = sqlite3_step (stmt);
         if (rc != SQLITE_DONE) {

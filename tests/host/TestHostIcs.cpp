@@ -120,8 +120,9 @@ TEST (HostIcs, PropertiesMapToTheModel)
         "BEGIN:VEVENT\r\nUID:berlin\r\nDTSTART;TZID=Europe/Berlin:20240115T100000\r\nDURATION:PT90M\r\nSUMMARY:Call\r\n"
         "X-UNKNOWN;P=1:kept\r\nBEGIN:VALARM\r\nACTION:DISPLAY\r\nTRIGGER:-PT20M\r\nEND:VALARM\r\nEND:VEVENT\r\n"
         "BEGIN:VEVENT\r\nUID:weekly\r\nDTSTART:20240506T090000\r\nDTEND:20240506T100000\r\nRRULE:FREQ=WEEKLY;UNTIL=20240630T235959\r\n"
-        "EXDATE:20240513T090000\r\nBEGIN:VALARM\r\nTRIGGER:-P1D\r\nACTION:DISPLAY\r\nEND:VALARM\r\nEND:VEVENT\r\n"
+        "EXDATE:20240513T090000\r\nRDATE;VALUE=PERIOD:20240701T090000/20240701T120000\r\nBEGIN:VALARM\r\nTRIGGER:-P1D\r\nACTION:DISPLAY\r\nEND:VALARM\r\nEND:VEVENT\r\n"
         "BEGIN:VTODO\r\nUID:todo\r\nDUE;VALUE=DATE:20240520\r\nSUMMARY:Pay\r\nSTATUS:COMPLETED\r\nEND:VTODO\r\n"
+        "BEGIN:VTODO\r\nUID:someday\r\nSUMMARY:Someday\r\nDESCRIPTION:" + std::string (300000, 'x') + "\r\nEND:VTODO\r\n"
         "BEGIN:VJOURNAL\r\nUID:note\r\nSUMMARY:Idea\r\nDESCRIPTION:Line one\\nline two\r\nEND:VJOURNAL\r\n" + kFooter;
     std::string progress;
     ImportResult r = import_ics_text (*f.store, f.calendar, text, [&] (size_t done, size_t total) {
@@ -129,7 +130,7 @@ TEST (HostIcs, PropertiesMapToTheModel)
         return true;
     });
     ASSERT_TRUE (r.status.ok ()) << r.status.message;
-    EXPECT_EQ (progress, "1/5 2/5 3/5 4/5 5/5 ");
+    EXPECT_EQ (progress, "1/6 2/6 3/6 4/6 5/6 6/6 ");
 
     EntryRecord e;
     ASSERT_TRUE (f.store->find_entry_by_uid (f.calendar, "allday", &e));
@@ -149,12 +150,16 @@ TEST (HostIcs, PropertiesMapToTheModel)
     EXPECT_EQ (e.repeat_code, TavCalendarRepeatsEveryWeek);
     EXPECT_EQ (e.alarm_code, TavCalendarAlarmDayBefore);
     EXPECT_EQ (e.alarm_time, 9 * 60);
-    EXPECT_EQ (expand_instances (e, INT64_MIN, kUnbounded).size (), 7u) << "8 Mondays in the range, one excepted";
+    EXPECT_EQ (expand_instances (e, INT64_MIN, kUnbounded).size (), 8u) << "8 Mondays in the range, one excepted, a period";
 
     ASSERT_TRUE (f.store->find_entry_by_uid (f.calendar, "todo", &e));
     EXPECT_EQ (e.kind, EntryKind::Task);
     EXPECT_TRUE (e.done);
     EXPECT_EQ (civil_to_string (e.start), "2024-05-20 00:00");
+
+    ASSERT_TRUE (f.store->find_entry_by_uid (f.calendar, "someday", &e));
+    EXPECT_TRUE (e.undated) << "a task without a due date stays without one";
+    EXPECT_EQ (e.description.size (), 300000u) << "a line longer than libical's reads arrives whole";
 
     ASSERT_TRUE (f.store->find_entry_by_uid (f.calendar, "note", &e));
     EXPECT_EQ (e.kind, EntryKind::Note);
@@ -168,6 +173,16 @@ TEST (HostIcs, PropertiesMapToTheModel)
     EXPECT_NE (out.find ("BEGIN:VTIMEZONE\r\nTZID:/freeassociation.sourceforge.net/Europe/Berlin"), std::string::npos)
         << out;
     EXPECT_NE (out.find ("SUMMARY:Trip\\, long"), std::string::npos);
+    EXPECT_NE (out.find ("RDATE;VALUE=PERIOD:20240701T090000/20240701T120000\r\n"), std::string::npos) << out;
+    const size_t someday = out.find ("UID:someday");
+    ASSERT_NE (someday, std::string::npos);
+    EXPECT_EQ (out.substr (someday, out.find ("END:VTODO", someday) - someday).find ("DUE"), std::string::npos);
+
+    /* Stopping in the middle stores nothing. */
+    StoreFixture g;
+    ImportResult stopped = import_ics_text (*g.store, g.calendar, text, [] (size_t done, size_t) { return done < 3; });
+    EXPECT_FALSE (stopped.stored ());
+    EXPECT_EQ (g.store->count_entries (g.calendar), 0);
 }
 
 TEST (HostIcs, AlarmCodesAreTheNearestOffset)
