@@ -18,7 +18,7 @@ namespace {
 
 /* Rules of the classes libical 3.0 reads otherwise (see below) that still
  * differ from the reference: lower it as the expander learns them. */
-constexpr int KNOWN_DIFFER = 157;
+constexpr int KNOWN_DIFFER = 149;
 
 enum Freq { Minutely, Hourly, Daily, Weekly, Monthly, Yearly };
 
@@ -168,7 +168,7 @@ std::vector<int64_t> reference (const Rule &r, int64_t start, int64_t horizon)
             }
         }
         for (int64_t t : chosen) {
-            if (t < start || done) {
+            if (t < start || t > horizon || done) {
                 continue;
             }
             if ((r.count && static_cast<int> (out.size ()) >= r.count) || t > r.until) {
@@ -179,7 +179,9 @@ std::vector<int64_t> reference (const Rule &r, int64_t start, int64_t horizon)
         }
         set.clear ();
     };
-    for (int64_t day = day0 - 400; day * kMinutesPerDay <= horizon && !done; ++day) {
+    /* A set position needs its whole period, also past the horizon. */
+    const int64_t last_day = day_of (horizon) + (r.bysetpos.empty () ? 0 : 400);
+    for (int64_t day = day0 - 400; day <= last_day && !done; ++day) {
         if (!day_matches (r, day, day0)) {
             continue;
         }
@@ -187,7 +189,7 @@ std::vector<int64_t> reference (const Rule &r, int64_t start, int64_t horizon)
             for (int m : minutes) {
                 const int64_t t = day * kMinutesPerDay + h * 60 + m;
                 const int64_t p = period (r, t, start);
-                if (p < 0 || p % r.interval != 0 || t > horizon) {
+                if (p < 0 || p % r.interval != 0 || (r.bysetpos.empty () && t > horizon)) {
                     continue;
                 }
                 if (p != set_period) {
@@ -357,7 +359,11 @@ TEST (HostRecurrenceReference, GeneratedRulesExpandAsTheRfcDefinesThem)
                            || (!r.byyearday.empty () && (!r.bymonth.empty () || !r.bymonthday.empty () || !r.byday.empty ()));
         if (known) {
             ++known_rules;
-            known_differ += !difference (got, expected).empty ();
+            const std::string d = difference (got, expected);
+            known_differ += !d.empty ();
+            if (!d.empty () && g_getenv ("TAV_REFERENCE_VERBOSE")) {
+                printf ("%s: %s\n", label.c_str (), d.c_str ());
+            }
             continue;
         }
         EXPECT_EQ (difference (got, expected), "") << label;
