@@ -118,7 +118,6 @@ CREATE TABLE entries_v3 (
     dtstamp      INTEGER NOT NULL DEFAULT 0,
     cancelled    INTEGER NOT NULL DEFAULT 0,
     alarms       TEXT,
-    undated      INTEGER NOT NULL DEFAULT 0,
     UNIQUE (calendar_id, uid, recurrence_id)
 );
 INSERT INTO entries_v3 (id, calendar_id, kind, uid, title, description, location, start, end, all_day,
@@ -139,6 +138,11 @@ CREATE TABLE zones (
     tzid        TEXT PRIMARY KEY,
     definition  TEXT NOT NULL
 );
+)SQL";
+
+/* Version 4: tasks without a due date stay undated. */
+const char *const kSchemaV4 = R"SQL(
+ALTER TABLE entries ADD COLUMN undated INTEGER NOT NULL DEFAULT 0;
 )SQL";
 
 const char *const kEntryColumns =
@@ -477,6 +481,20 @@ std::unique_ptr<Store> Store::open (const std::string &path, Status *status)
     return store;
 }
 
+bool Store::has_column (const char *table, const char *column)
+{
+    sqlite3_stmt *stmt = nullptr;
+    bool found = false;
+    const std::string sql = std::string ("PRAGMA table_info(") + table + ")";
+    if (sqlite3_prepare_v2 (m_db, sql.c_str (), -1, &stmt, nullptr) == SQLITE_OK) {
+        while (!found && sqlite3_step (stmt) == SQLITE_ROW) {
+            found = column_text (stmt, 1) == column;
+        }
+    }
+    sqlite3_finalize (stmt);
+    return found;
+}
+
 int Store::schema_version ()
 {
     sqlite3_stmt *stmt = nullptr;
@@ -526,6 +544,10 @@ Status Store::migrate (int from_version)
         if (!s.ok ()) {
             return s;
         }
+        s = exec (kSchemaV4);
+        if (!s.ok ()) {
+            return s;
+        }
         /* Version 2 kept zoned repeating events in local wall-clock time
          * with their zone beside: they become instants. Then everything is
          * indexed anew. */
@@ -563,6 +585,13 @@ Status Store::migrate (int from_version)
             if (!s.ok ()) {
                 return s;
             }
+        }
+    }
+    if (from_version == 3 && !has_column ("entries", "undated")) {
+        /* (Some version-3 files of this branch's development have it.) */
+        Status s = exec (kSchemaV4);
+        if (!s.ok ()) {
+            return s;
         }
     }
     char sql[64];

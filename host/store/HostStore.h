@@ -22,7 +22,7 @@ namespace tav::host {
 class Store {
 public:
     /* The schema this build writes; older files are migrated on open. */
-    static constexpr int kSchemaVersion = 3;
+    static constexpr int kSchemaVersion = 4;
 
     /* Opens (creating when missing) the store at @path. A file that is not
      * a calendar database, or one written by a newer version, is refused
@@ -94,6 +94,7 @@ private:
 
     Status exec (const char *sql);
     Status migrate (int from_version);
+    bool has_column (const char *table, const char *column);
     Status write_entry (EntryRecord &entry, bool insert);
     Status check_entry (const EntryRecord &entry, bool insert);
     Status error_status (int rc, const std::string &what);
