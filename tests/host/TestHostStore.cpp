@@ -1,6 +1,7 @@
 /* The SQLite calendar store: CRUD with error codes, interval queries,
  * persistence, migrations, refusing foreign files, a full disk. */
 #include "HostIcs.h"
+#include "HostRecurrence.h"
 #include "HostTestUtil.h"
 
 #include <sqlite3.h>
@@ -195,7 +196,7 @@ TEST (HostStore, DeletingOrMovingAnEntryUpdatesTheIndex)
     EXPECT_EQ (f.store->count_entries (f.calendar), 0);
 }
 
-TEST (HostStore, VersionOneFileIsMigratedWithItsData)
+TEST (HostStore, OlderFilesAreMigratedWithTheirData)
 {
     tav::test::TempDir dir;
     const std::string path = dir.file ("old.db");
@@ -226,6 +227,30 @@ TEST (HostStore, VersionOneFileIsMigratedWithItsData)
     EXPECT_EQ (store->schema_version (), Store::kSchemaVersion);
     EXPECT_EQ (titles (store->entries_touching (at (2024, 3, 1), at (2024, 3, 31))), "once,yearly");
     EXPECT_EQ (titles (store->entries_touching (at (2030, 3, 1), at (2030, 3, 31))), "yearly");
+
+    /* Version 2 kept a zoned series in local time beside its zone: it
+     * becomes an instant, still at the same local time. */
+    g_setenv ("TZ", "Europe/Berlin", TRUE);
+    tzset ();
+    const std::string v2 = dir.file ("v2.db");
+    ASSERT_EQ (sqlite3_open (v2.c_str (), &db), SQLITE_OK);
+    const std::string upgrade = sql.substr (0, sql.find ("INSERT")) +
+        "ALTER TABLE entries ADD COLUMN exrule TEXT; ALTER TABLE entries ADD COLUMN rdates TEXT;"
+        "ALTER TABLE entries ADD COLUMN tzid TEXT; ALTER TABLE entries ADD COLUMN extra TEXT;"
+        "CREATE VIRTUAL TABLE entry_spans USING rtree_i32 (id, lo, hi); INSERT INTO calendars (id, title) VALUES (1, 'Old');"
+        "INSERT INTO entries (calendar_id, kind, uid, title, start, end, rrule, tzid) VALUES (1, 0, 'z', 'zoned', " +
+        std::to_string (at (2024, 1, 8, 9)) + ", " + std::to_string (at (2024, 1, 8, 10)) +
+        ", 'FREQ=WEEKLY', 'Europe/Berlin'); PRAGMA user_version=2;";
+    ASSERT_EQ (sqlite3_exec (db, upgrade.c_str (), nullptr, nullptr, nullptr), SQLITE_OK);
+    sqlite3_close (db);
+    store = Store::open (v2, &st);
+    ASSERT_TRUE (store) << st.message;
+    EntryRecord zoned;
+    ASSERT_TRUE (store->find_entry_by_uid (1, "z", &zoned));
+    EXPECT_EQ (civil_to_string (zoned.start), "2024-01-08 08:00") << "09:00 in Berlin is 08:00 UTC";
+    EXPECT_EQ (expand_instances (zoned, at (2024, 7, 1), at (2024, 7, 1, 23, 59)), std::vector<int64_t> {at (2024, 7, 1, 9)});
+    g_setenv ("TZ", "UTC", TRUE);
+    tzset ();
 }
 
 TEST (HostStore, FilesThatAreNotOursAreRefusedUntouched)
