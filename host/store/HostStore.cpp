@@ -1032,7 +1032,10 @@ Status Store::delete_entry (int64_t id)
         /* A series goes with its exceptions. */
         return delete_series (e.calendar_id, e.uid, nullptr);
     }
-    return step_with_id ("DELETE FROM entries WHERE id = ?", id, "deleting '" + e.title + "'");
+    /* A moved instance deleted is that instance cancelled: it must not
+     * come back at its old time. */
+    e.cancelled = true;
+    return write_entry (e, false);
 }
 
 bool Store::find_entry (int64_t id, EntryRecord *out)

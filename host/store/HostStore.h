@@ -52,6 +52,8 @@ public:
      * store left as it was before the call. */
     Status add_entry (EntryRecord &entry);
     Status update_entry (EntryRecord &entry);
+    /* Deleting the master of a series deletes its exceptions; deleting an
+     * exception cancels that instance. */
     Status delete_entry (int64_t id);
     bool find_entry (int64_t id, EntryRecord *out);
     /* The entry with that UID (the master of a series, when it has one). */

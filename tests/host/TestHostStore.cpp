@@ -196,6 +196,35 @@ TEST (HostStore, DeletingOrMovingAnEntryUpdatesTheIndex)
     EXPECT_EQ (f.store->count_entries (f.calendar), 0);
 }
 
+TEST (HostStore, ASeriesKeepsItsExceptions)
+{
+    StoreFixture f;
+    EntryRecord series = f.event ("weekly", at (2024, 5, 6, 9), at (2024, 5, 6, 10), "FREQ=WEEKLY;COUNT=3");
+    series.uid = "s";
+    EntryRecord moved = f.event ("moved", at (2024, 5, 14, 15), at (2024, 5, 14, 16));
+    moved.uid = "s";
+    moved.recurrence_id = at (2024, 5, 13, 9);
+    ASSERT_TRUE (f.store->add_entry (series).ok ());
+    ASSERT_TRUE (f.store->add_entry (moved).ok ());
+    EntryRecord twice = moved;
+    EXPECT_EQ (f.store->add_entry (twice).code, CalendarDuplicateError);
+    auto listed = [&] {
+        std::string out;
+        for (const EntryRecord &e : f.store->entries_touching (at (2024, 5, 1), at (2024, 5, 31))) {
+            for (int64_t s : expand_instances (e, at (2024, 5, 1), at (2024, 5, 31))) {
+                out += e.title + " " + civil_to_string (s).substr (5) + "; ";
+            }
+        }
+        return out;
+    };
+    EXPECT_EQ (listed (), "weekly 05-06 09:00; weekly 05-20 09:00; moved 05-14 15:00; ");
+    /* The moved instance deleted stays away; the series deleted takes it along. */
+    ASSERT_TRUE (f.store->delete_entry (moved.id).ok ());
+    EXPECT_EQ (listed (), "weekly 05-06 09:00; weekly 05-20 09:00; ");
+    ASSERT_TRUE (f.store->delete_entry (series.id).ok ());
+    EXPECT_EQ (f.store->count_entries (f.calendar), 0);
+}
+
 TEST (HostStore, OlderFilesAreMigratedWithTheirData)
 {
     tav::test::TempDir dir;
