@@ -390,6 +390,151 @@ Corrections take_corrections (icalrecurrencetype &rule, int64_t wall_start)
     return c;
 }
 
+/* Rules with BYSETPOS: libical 3.0 ignores or misplaces set positions in
+ * most frequencies. The rule runs without them, stepping every period,
+ * with what DTSTART implies written out (its hour, minute, weekday, day,
+ * month) and from the start of DTSTART's period, so that each period's
+ * whole set is seen; the occurrences are grouped by period here, every
+ * INTERVAL-th period kept and the positions picked; COUNT and UNTIL count
+ * what is picked. @offer takes wall-clock minutes and returns false to
+ * stop; @upper is the last wall-clock minute asked for. */
+template <typename Offer>
+void walk_set_positions (icalrecurrencetype rule, int64_t wall_start, int64_t upper, Offer offer)
+{
+    std::vector<int> positions;
+    for (int i = 0; i < ICAL_BY_SETPOS_SIZE && rule.by_set_pos[i] != ICAL_RECURRENCE_ARRAY_MAX; ++i) {
+        positions.push_back (rule.by_set_pos[i]);
+    }
+    rule.by_set_pos[0] = ICAL_RECURRENCE_ARRAY_MAX;
+    const CivilFields s = civil_fields (wall_start);
+    auto empty = [] (const short *list) { return list[0] == ICAL_RECURRENCE_ARRAY_MAX; };
+    auto pin = [] (short *list, int value) {
+        list[0] = static_cast<short> (value);
+        list[1] = ICAL_RECURRENCE_ARRAY_MAX;
+    };
+    const auto freq = rule.freq;
+    const bool daily_or_longer = freq == ICAL_DAILY_RECURRENCE || freq == ICAL_WEEKLY_RECURRENCE
+                                 || freq == ICAL_MONTHLY_RECURRENCE || freq == ICAL_YEARLY_RECURRENCE;
+    if ((daily_or_longer || freq == ICAL_HOURLY_RECURRENCE) && empty (rule.by_minute)) {
+        pin (rule.by_minute, s.minute);
+    }
+    if (daily_or_longer && empty (rule.by_hour)) {
+        pin (rule.by_hour, s.hour);
+    }
+    const int weekday = civil_weekday (wall_start) + 1;  /* libical: 1 = Sunday */
+    if (freq == ICAL_WEEKLY_RECURRENCE && empty (rule.by_day)) {
+        pin (rule.by_day, weekday);
+    }
+    if (freq == ICAL_MONTHLY_RECURRENCE && empty (rule.by_day) && empty (rule.by_month_day)) {
+        pin (rule.by_month_day, s.day);
+    }
+    if (freq == ICAL_YEARLY_RECURRENCE && empty (rule.by_week_no) && empty (rule.by_year_day)) {
+        if (empty (rule.by_day) && empty (rule.by_month_day)) {
+            pin (rule.by_month_day, s.day);
+        }
+        if (!empty (rule.by_month_day) && empty (rule.by_month)) {
+            pin (rule.by_month, s.month);
+        }
+    }
+    if (freq == ICAL_YEARLY_RECURRENCE && !empty (rule.by_week_no) && empty (rule.by_day) && empty (rule.by_year_day)
+        && empty (rule.by_month_day)) {
+        pin (rule.by_day, weekday);
+    }
+    const int interval = std::max<int> (1, rule.interval);
+    rule.interval = 1;
+    const int count = rule.count;
+    rule.count = 0;
+    int64_t until = kUnbounded;
+    if (!icaltime_is_null_time (rule.until)) {
+        until = civil_minutes (rule.until.year, rule.until.month, rule.until.day, rule.until.hour, rule.until.minute);
+        rule.until = icaltime_null_time ();
+    }
+    Corrections limits = take_corrections (rule, wall_start);  /* the limits libical misreads */
+    Corrections periods;
+    periods.freq = freq;
+    periods.start = wall_start;
+    periods.week_start = rule.week_start == ICAL_NO_WEEKDAY ? 1 : static_cast<int> (rule.week_start) - 1;
+
+    /* The start of DTSTART's period; libical hands out its DTSTART first
+     * whatever it is, so the iterator begins a minute before. */
+    int64_t first = wall_start;
+    switch (freq) {
+    case ICAL_YEARLY_RECURRENCE: first = civil_minutes (s.year, 1, 1); break;
+    case ICAL_MONTHLY_RECURRENCE: first = civil_minutes (s.year, s.month, 1); break;
+    case ICAL_WEEKLY_RECURRENCE:
+        first = civil_day_start (wall_start) - ((civil_weekday (wall_start) - periods.week_start + 7) % 7) * kMinutesPerDay;
+        break;
+    case ICAL_DAILY_RECURRENCE: first = civil_day_start (wall_start); break;
+    case ICAL_HOURLY_RECURRENCE: first = wall_start - s.minute; break;
+    default: break;
+    }
+    const CivilFields b = civil_fields (first - 1);
+    icaltimetype begin = icaltime_null_time ();
+    begin.year = b.year;
+    begin.month = b.month;
+    begin.day = b.day;
+    begin.hour = b.hour;
+    begin.minute = b.minute;
+    IteratorPtr it (icalrecur_iterator_new (rule, begin));
+    if (!it) {
+        return;
+    }
+    std::vector<int64_t> set;
+    int64_t set_period = std::numeric_limits<int64_t>::min ();
+    int picked = 0;
+    bool stop = false;
+    auto flush = [&] {
+        const int n = static_cast<int> (set.size ());
+        std::vector<int64_t> chosen;
+        for (int p : positions) {
+            const int i = p > 0 ? p - 1 : n + p;
+            if (i >= 0 && i < n) {
+                chosen.push_back (set[i]);
+            }
+        }
+        std::sort (chosen.begin (), chosen.end ());
+        chosen.erase (std::unique (chosen.begin (), chosen.end ()), chosen.end ());
+        for (int64_t wall : chosen) {
+            if (stop || wall < wall_start) {
+                continue;
+            }
+            if (wall > until || (count && picked >= count) || !offer (wall)) {
+                stop = true;
+                break;
+            }
+            ++picked;
+        }
+        set.clear ();
+    };
+    int64_t last = std::numeric_limits<int64_t>::min ();
+    size_t steps = 0;
+    for (icaltimetype t = icalrecur_iterator_next (it.get ()); !icaltime_is_null_time (t) && !stop;
+         t = icalrecur_iterator_next (it.get ())) {
+        if (++steps > 4 * kMaxInstances) {
+            break;
+        }
+        const int64_t wall = civil_minutes (t.year, t.month, t.day, t.is_date ? 0 : t.hour, t.is_date ? 0 : t.minute);
+        if (wall < first || wall <= last || (limits.active && !limits.accepts (wall))) {
+            continue;
+        }
+        last = wall;
+        const int64_t p = periods.period (wall);
+        if (p != set_period) {
+            flush ();
+            if (stop || wall > upper || wall > until) {
+                break;
+            }
+            set_period = p;
+        }
+        if (p % interval == 0) {
+            set.push_back (wall);
+        }
+    }
+    if (!stop) {
+        flush ();
+    }
+}
+
 /* A zone's wall clock is never more than 15 hours from UTC. */
 constexpr int64_t kZoneMargin = 15 * 60;
 
@@ -432,6 +577,12 @@ void walk_rule (const std::string &text, const EntryRecord &entry, int64_t seek,
         walk_simple (simple, wall_start, lower, upper, limit, offer);
         return;
     }
+    if (rule.by_set_pos[0] != ICAL_RECURRENCE_ARRAY_MAX
+        && (rule.freq == ICAL_DAILY_RECURRENCE || rule.freq == ICAL_WEEKLY_RECURRENCE
+            || rule.freq == ICAL_HOURLY_RECURRENCE || rule.freq == ICAL_MINUTELY_RECURRENCE)) {
+        walk_set_positions (rule, wall_start, upper, offer);
+        return;
+    }
     const Corrections fix = take_corrections (rule, wall_start);
     /* Without COUNT the n-th occurrence does not depend on the ones before
      * it, so the iterator may begin at the window. libical seeks only rules
@@ -450,7 +601,20 @@ void walk_rule (const std::string &text, const EntryRecord &entry, int64_t seek,
     if (!it) {
         return;
     }
-    if (seeking && !icalrecur_iterator_set_start (it.get (), frame.to_ical (seek - margin))) {
+    icaltimetype seek_at = frame.to_ical (seek - margin);
+    if (seeking && (rule.freq == ICAL_HOURLY_RECURRENCE || rule.freq == ICAL_MINUTELY_RECURRENCE)) {
+        /* libical seeks these to a time off the INTERVAL's phase: seek to
+         * one on it. */
+        const int64_t step = rule.freq == ICAL_HOURLY_RECURRENCE ? 60 * rule.interval : rule.interval;
+        const int64_t wall_seek = frame.to_wall (seek - margin);
+        const CivilFields f = civil_fields (wall_start + floor_div (wall_seek - wall_start, step) * step);
+        seek_at.year = f.year;
+        seek_at.month = f.month;
+        seek_at.day = f.day;
+        seek_at.hour = f.hour;
+        seek_at.minute = f.minute;
+    }
+    if (seeking && !icalrecur_iterator_set_start (it.get (), seek_at)) {
         rule.until = until;
         until = icaltime_null_time ();
         it.reset (icalrecur_iterator_new (rule, frame.to_ical (entry.start)));
