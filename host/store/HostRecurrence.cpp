@@ -307,6 +307,11 @@ struct Corrections {
             };
             return (week (wall) - week (start)) / 7;
         }
+        case ICAL_YEARLY_RECURRENCE: return civil_fields (wall).year - civil_fields (start).year;
+        case ICAL_MONTHLY_RECURRENCE: {
+            const CivilFields a = civil_fields (wall), b = civil_fields (start);
+            return (a.year * 12 + a.month) - (b.year * 12 + b.month);
+        }
         case ICAL_HOURLY_RECURRENCE: return floor_div (wall, 60) - floor_div (start, 60);
         case ICAL_MINUTELY_RECURRENCE: return wall - start;
         default: return floor_div (wall, kMinutesPerDay) - floor_div (start, kMinutesPerDay);
@@ -577,9 +582,7 @@ void walk_rule (const std::string &text, const EntryRecord &entry, int64_t seek,
         walk_simple (simple, wall_start, lower, upper, limit, offer);
         return;
     }
-    if (rule.by_set_pos[0] != ICAL_RECURRENCE_ARRAY_MAX
-        && (rule.freq == ICAL_DAILY_RECURRENCE || rule.freq == ICAL_WEEKLY_RECURRENCE
-            || rule.freq == ICAL_HOURLY_RECURRENCE || rule.freq == ICAL_MINUTELY_RECURRENCE)) {
+    if (rule.by_set_pos[0] != ICAL_RECURRENCE_ARRAY_MAX) {
         walk_set_positions (rule, wall_start, upper, offer);
         return;
     }
