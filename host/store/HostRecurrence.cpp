@@ -604,7 +604,7 @@ void walk_rule (const std::string &text, const EntryRecord &entry, int64_t seek,
     if (!it) {
         return;
     }
-    icaltimetype seek_at = frame.to_ical (seek - margin);
+    icaltimetype seek_at = seeking ? frame.to_ical (seek - margin) : icaltime_null_time ();
     if (seeking && (rule.freq == ICAL_HOURLY_RECURRENCE || rule.freq == ICAL_MINUTELY_RECURRENCE)) {
         /* libical seeks these to a time off the INTERVAL's phase: seek to
          * one on it. */
