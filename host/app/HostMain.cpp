@@ -3,6 +3,7 @@
  *   tav-calendar [--db PATH | --demo] [--view NAME] [--date YYYY-MM-DD]
  *   tav-calendar --import FILE.ics [--import ...] [--open]
  *   tav-calendar --export FILE.ics
+ *   tav-calendar --list FROM TO
  *   tav-calendar --screenshot DIR
  *   tav-calendar --applet [--db PATH | --demo]
  *   tav-calendar --settings
@@ -11,7 +12,8 @@
  * Settings are kept in $XDG_CONFIG_HOME/tav-calendar/settings.ini.
  *
  * Exit status: 0 success, 1 an import or export failed, 2 bad arguments or
- * a store that cannot be opened, 3 no display for the window.
+ * a store that cannot be opened, 3 no display for the window, 4 an import
+ * stored what it could but skipped invalid components.
  */
 #include "HostApplet.h"
 #include "HostCalendarSet.h"
@@ -20,6 +22,7 @@
 #include "HostEditor.h"
 #include "HostWindow.h"
 #include "HostIcs.h"
+#include "HostAgenda.h"
 
 #include <calendarui.h>
 #include <glib/gstdio.h>
@@ -49,6 +52,7 @@ struct Options {
     char *screenshot = nullptr;
     char *edit_event = nullptr;
     gboolean new_event = FALSE;
+    char *list = nullptr;
     gboolean demo = FALSE;
     gboolean open = FALSE;
     gboolean applet = FALSE;
@@ -63,6 +67,7 @@ struct Options {
         g_free (date);
         g_free (screenshot);
         g_free (edit_event);
+        g_free (list);
     }
 };
 
@@ -150,6 +155,7 @@ int main (int argc, char **argv)
         {"demo", 0, 0, G_OPTION_ARG_NONE, &opt.demo, "Use a throwaway store filled with a month of sample data", nullptr},
         {"import", 0, 0, G_OPTION_ARG_FILENAME_ARRAY, &opt.imports, "Import an iCalendar file (repeatable), then exit", "FILE.ics"},
         {"export", 0, 0, G_OPTION_ARG_FILENAME, &opt.export_path, "Export every calendar to an iCalendar file, then exit", "FILE.ics"},
+        {"list", 0, 0, G_OPTION_ARG_STRING, &opt.list, "Print every instance from FROM to TO (YYYY-MM-DD, both included), then exit", "FROM TO"},
         {"open", 0, 0, G_OPTION_ARG_NONE, &opt.open, "Show the calendar after --import or --export", nullptr},
         {"view", 0, 0, G_OPTION_ARG_STRING, &opt.view, "The view to show first", "NAME"},
         {"date", 0, 0, G_OPTION_ARG_STRING, &opt.date, "The day to show", "YYYY-MM-DD"},
@@ -170,6 +176,23 @@ int main (int argc, char **argv)
         fprintf (stderr, "tav-calendar: %s\n", err->message);
         g_error_free (err);
         return 2;
+    }
+    int64_t list_from = 0, list_to = 0;
+    if (opt.list) {
+        std::string error;
+        if (argc != 2) {
+            fprintf (stderr, "tav-calendar: --list takes two dates, FROM and TO (YYYY-MM-DD)\n");
+            return 2;
+        }
+        if (!parse_agenda_day (opt.list, &list_from, &error) || !parse_agenda_day (argv[1], &list_to, &error)) {
+            fprintf (stderr, "tav-calendar: --list: %s\n", error.c_str ());
+            return 2;
+        }
+        if (list_to < list_from) {
+            fprintf (stderr, "tav-calendar: --list: %s comes before %s\n", argv[1], opt.list);
+            return 2;
+        }
+        argc = 1;
     }
     if (argc > 1) {
         fprintf (stderr, "tav-calendar: unexpected argument '%s'\n", argv[1]);
@@ -248,7 +271,7 @@ int main (int argc, char **argv)
     SettingsFile settings;
     app.settings = &settings;
 
-    const bool want_ui = opt.screenshot || opt.open || opt.settings || (!opt.imports && !opt.export_path);
+    const bool want_ui = opt.screenshot || opt.open || opt.settings || (!opt.imports && !opt.export_path && !opt.list);
     if (want_ui) {
         /* A damaged file is reported here once: loading repairs it. */
         for (const std::string &problem : settings.load ()) {
@@ -281,6 +304,7 @@ int main (int argc, char **argv)
                 shown = true;
             }
             feedback (done, total);
+            return true;
         });
         if (feedback.window) {
             gtk_widget_destroy (feedback.window);
@@ -288,7 +312,7 @@ int main (int argc, char **argv)
         for (const std::string &w : r.warnings) {
             fprintf (stderr, "tav-calendar: %s: %s\n", *file, w.c_str ());
         }
-        if (!r.status.ok ()) {
+        if (!r.stored ()) {
             if (r.line > 0) {
                 std::string message = r.status.message;
                 const std::string prefix = "line " + std::to_string (r.line) + ": ";
@@ -302,9 +326,13 @@ int main (int argc, char **argv)
             status = 1;
             continue;
         }
-        printf ("%s: imported %d events, %d tasks, %d notes into '%s'%s\n", *file, r.events, r.tasks, r.notes,
-                tav_calendar_source_get_title (TAV_CALENDAR_SOURCE (target)),
-                r.updated ? (" (" + std::to_string (r.updated) + " updated)").c_str () : "");
+        printf ("%s: imported %d events, %d tasks, %d notes into '%s'\n", *file, r.events, r.tasks, r.notes,
+                tav_calendar_source_get_title (TAV_CALENDAR_SOURCE (target)));
+        fputs (r.report ().c_str (), stdout);
+        if (!r.status.ok ()) {
+            fprintf (stderr, "tav-calendar: %s: %s\n", *file, r.status.message.c_str ());
+            status = status ? status : 4;
+        }
     }
     if (opt.export_path) {
         std::vector<int64_t> ids;
@@ -319,6 +347,10 @@ int main (int argc, char **argv)
             fprintf (stderr, "tav-calendar: %s\n", s.message.c_str ());
             status = 1;
         }
+    }
+
+    if (opt.list) {
+        fputs (agenda_text (*store, list_from, list_to).c_str (), stdout);
     }
 
     if (want_ui) {

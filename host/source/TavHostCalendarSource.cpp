@@ -3,6 +3,7 @@
 #include "HostCivilTime.h"
 #include "HostIcs.h"
 #include "HostRecurrence.h"
+#include "HostZone.h"
 
 #include <algorithm>
 #include <climits>
@@ -334,8 +335,11 @@ TavCalendarEntry *entry_from_record (const EntryRecord &r, TavHostCalendarSource
     GType type = r.kind == EntryKind::Task   ? tav_calendar_task_get_type ()
                  : r.kind == EntryKind::Note ? tav_calendar_note_get_type ()
                                              : tav_calendar_entry_get_type ();
-    const TavTimestamp start = timestamp_of (r.start);
-    const TavTimestamp end = timestamp_of (r.end);
+    /* An instant shows on the viewer's wall clock. */
+    const int64_t local_start = r.is_instant () ? local_from_utc (r.start) : r.start;
+    const int64_t local_end = r.is_instant () ? local_start + r.duration () : r.end;
+    const TavTimestamp start = timestamp_of (local_start);
+    const TavTimestamp end = timestamp_of (local_end);
     const TavTimestamp modified = timestamp_of (civil_from_time_t (static_cast<time_t> (r.modified)));
     const std::string num_id = std::to_string (r.id);
     int color = 0;
@@ -354,7 +358,7 @@ TavCalendarEntry *entry_from_record (const EntryRecord &r, TavHostCalendarSource
     }
     int64_t until = -1;
     if (r.repeat_code != TavCalendarRepeatsNoRepeat && !complex) {
-        repeat_code_for_rrule (r.rrule, r.start, &until);
+        repeat_code_for_rrule (r.rrule, local_start, &until);
         if (until >= 0) {
             const TavTimestamp u = timestamp_of (until);
             g_object_set (entry, "end-repetition-date", &u.date, nullptr);
@@ -389,6 +393,8 @@ void record_from_entry (TavCalendarEntry *entry, EntryRecord &r)
     r.start = civil_of (start->date, start->time);
     r.end = civil_of (*end_date, *end_time);
     if (r.kind == EntryKind::Task) {
+        /* An undated task shown today stays undated until given a day. */
+        r.undated = r.undated && civil_day_start (r.start) == civil_day_start (civil_from_time_t (time (nullptr)));
         r.start = civil_day_start (r.start);
         r.end = r.start + 1439;
         gboolean done = FALSE;
@@ -399,6 +405,13 @@ void record_from_entry (TavCalendarEntry *entry, EntryRecord &r)
     } else if (r.all_day) {
         r.start = civil_day_start (r.start);
         r.end = std::max (civil_day_start (r.end), r.start) + 1439;
+    } else if (r.is_instant ()) {
+        /* The entry shows local time; the store keeps the instant. */
+        r.start = utc_from_local (r.start);
+        r.end = utc_from_local (r.end);
+    }
+    if (r.alarm_code != alarm) {
+        r.alarms.clear ();  /* the imported VALARMs said otherwise */
     }
     r.alarm_code = alarm;
     r.alarm_time = r.alarm_code == TavCalendarAlarmDayBefore ? alarm_time->hour * 60 + alarm_time->minute : -1;

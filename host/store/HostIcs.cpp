@@ -1,8 +1,12 @@
 #include "HostIcs.h"
 #include "HostCivilTime.h"
 #include "HostRecurrence.h"
+#include "HostZone.h"
 
 #include <glib.h>
+#include <glib/gstdio.h>
+
+#include <cerrno>
 #include <libical/ical.h>
 
 #include <algorithm>
@@ -33,13 +37,50 @@ struct Item {
     int first_line;
     std::vector<const Line *> own_lines;   /* its own properties */
     std::vector<const Line *> child_lines; /* lines of nested components */
-    std::string zone_block;                /* the file's VTIMEZONEs, for resolving TZIDs */
+    std::string method;                    /* METHOD of its VCALENDAR, upper-cased */
 };
 
 struct ParseError {
     int line;
     std::string message;
 };
+
+/* libical's own string reader looks for the end of the line again for
+ * every kilobyte it hands out, which is quadratic in the length of a line;
+ * this one remembers where the line ends. */
+struct LineFeeder {
+    const char *pos;
+    const char *end;
+    const char *eol = nullptr;  /* the next '\n' at or after pos, or end */
+
+    static char *next (char *out, size_t size, void *data)
+    {
+        LineFeeder &f = *static_cast<LineFeeder *> (data);
+        if (f.pos >= f.end || size < 2) {
+            return nullptr;
+        }
+        if (!f.eol || f.eol < f.pos) {
+            const void *nl = memchr (f.pos, '\n', static_cast<size_t> (f.end - f.pos));
+            f.eol = nl ? static_cast<const char *> (nl) : f.end;
+        }
+        const size_t line = static_cast<size_t> (f.eol - f.pos) + (f.eol < f.end ? 1 : 0);
+        const size_t n = std::min (line, size - 1);
+        memcpy (out, f.pos, n);
+        out[n] = '\0';
+        f.pos += n;
+        return out;
+    }
+};
+
+icalcomponent *parse_component (const std::string &text)
+{
+    icalparser *parser = icalparser_new ();
+    LineFeeder feeder {text.data (), text.data () + text.size ()};
+    icalparser_set_gen_data (parser, &feeder);
+    icalcomponent *comp = icalparser_parse (parser, LineFeeder::next);
+    icalparser_free (parser);
+    return comp;
+}
 
 bool valid_name_char (char c)
 {
@@ -143,6 +184,8 @@ bool collect_items (const std::vector<Line> &lines, std::vector<Item> &items, st
     bool in_zone = false;
     int ignored = 0, first_ignored = 0;
     std::map<std::string, std::pair<int, int>> skipped;  /* kind: count, first line */
+    size_t calendar_first_item = 0;  /* the first entry of the current VCALENDAR */
+    std::string method;
     for (const Line &line : lines) {
         if (line.text.empty ()) {
             continue;
@@ -162,8 +205,12 @@ bool collect_items (const std::vector<Line> &lines, std::vector<Item> &items, st
             int item = -1;
             const bool entry_kind = kind == "VEVENT" || kind == "VTODO" || kind == "VJOURNAL";
             const bool at_entry_level = stack.empty () || (stack.size () == 1 && stack[0].kind == "VCALENDAR");
+            if (stack.empty ()) {
+                calendar_first_item = items.size ();
+                method.clear ();
+            }
             if (entry_kind && at_entry_level) {
-                items.push_back ({kind, line.number, {}, {}, {}});
+                items.push_back ({kind, line.number, {}, {}, method});
                 item = static_cast<int> (items.size ()) - 1;
             } else if (at_entry_level && kind != "VCALENDAR" && kind != "VTIMEZONE") {
                 auto &s = skipped[kind];
@@ -208,6 +255,12 @@ bool collect_items (const std::vector<Line> &lines, std::vector<Item> &items, st
         if (in_zone) {
             zone_text += line.text + "\r\n";
         }
+        if (stack.size () == 1 && line.name == "METHOD") {
+            method = upper (line_value (line));
+            for (size_t i = calendar_first_item; i < items.size (); ++i) {
+                items[i].method = method;
+            }
+        }
         if (stack.back ().item >= 0) {
             Item &item = items[stack.back ().item];
             const bool own = item.first_line == stack.back ().line;
@@ -234,12 +287,13 @@ const std::set<std::string> &handled_properties (const std::string &kind)
 {
     static const std::set<std::string> event = {"UID",    "SUMMARY", "DESCRIPTION", "LOCATION",      "DTSTART",
                                                 "DTEND",  "DURATION", "RRULE",      "EXDATE",        "RDATE",
-                                                "EXRULE", "CREATED", "LAST-MODIFIED", "DTSTAMP",     "X-TAV-BIRTHDAY"};
+                                                "EXRULE", "CREATED", "LAST-MODIFIED", "DTSTAMP",     "X-TAV-BIRTHDAY",
+                                                "SEQUENCE", "RECURRENCE-ID"};
     static const std::set<std::string> todo = {"UID",     "SUMMARY", "DESCRIPTION", "LOCATION",      "DTSTART",
                                                "DUE",     "STATUS",  "COMPLETED",   "CREATED",       "LAST-MODIFIED",
-                                               "DTSTAMP", "PERCENT-COMPLETE"};
+                                               "DTSTAMP", "PERCENT-COMPLETE", "SEQUENCE"};
     static const std::set<std::string> journal = {"UID",     "SUMMARY", "DESCRIPTION", "DTSTART",
-                                                  "CREATED", "LAST-MODIFIED", "DTSTAMP"};
+                                                  "CREATED", "LAST-MODIFIED", "DTSTAMP", "SEQUENCE"};
     return kind == "VEVENT" ? event : kind == "VTODO" ? todo : journal;
 }
 
@@ -250,47 +304,52 @@ bool essential (const std::string &name)
            || name == "EXRULE";
 }
 
-/* Time conversion: a property's value in local civil minutes. */
+/* Time conversion. A value is a DATE (civil day), a floating time (civil
+ * minutes), or an instant (UTC minutes) given in UTC or in a zone; the
+ * entry takes the kind of its DTSTART, and its other times are brought
+ * into that frame. */
+struct TimeValue {
+    int64_t minutes = 0;
+    std::string tzid;   /* "UTC", a zone, or empty: floating or a date */
+    bool is_date = false;
+};
+
 struct TimeReader {
-    icalcomponent *zones;  /* a VCALENDAR holding the file's VTIMEZONEs, or NULL */
     std::vector<std::string> *warnings;
 
-    icaltimezone *zone_for (const char *tzid) const
+    TimeValue read (icaltimetype t, const char *tzid) const
     {
-        if (!tzid) {
-            return nullptr;
-        }
-        if (zones) {
-            if (icaltimezone *z = icalcomponent_get_timezone (zones, tzid)) {
-                return z;
-            }
-        }
-        if (icaltimezone *z = icaltimezone_get_builtin_timezone (tzid)) {
-            return z;
-        }
-        return icaltimezone_get_builtin_timezone_from_tzid (tzid);
-    }
-
-    /* @zone_name receives the location of a zone libical knows by name. */
-    int64_t civil (icaltimetype t, const char *tzid, std::string *zone_name = nullptr) const
-    {
+        TimeValue v;
+        v.is_date = t.is_date;
+        const int64_t wall = civil_minutes (t.year, t.month, t.day, t.is_date ? 0 : t.hour, t.is_date ? 0 : t.minute);
+        v.minutes = wall;
         if (t.is_date) {
-            return civil_minutes (t.year, t.month, t.day);
+            return v;
         }
         if (icaltime_is_utc (t)) {
-            return civil_from_time_t (icaltime_as_timet (t));
+            v.tzid = "UTC";
+            return v;
         }
-        if (icaltimezone *z = zone_for (tzid)) {
-            if (zone_name) {
-                icaltimezone *builtin = icaltimezone_get_builtin_timezone (tzid);
-                *zone_name = builtin ? tzid : std::string ();
+        if (tzid) {
+            if (icaltimezone *z = zone_for_tzid (tzid)) {
+                v.tzid = tzid;
+                v.minutes = utc_from_wall (wall, z);
+                return v;
             }
-            return civil_from_time_t (icaltime_as_timet_with_zone (t, z));
+            if (warnings) {
+                warnings->push_back (std::string ("unknown time zone '") + tzid + "', its times are taken as floating");
+            }
         }
-        if (tzid && warnings) {
-            warnings->push_back (std::string ("unknown time zone '") + tzid + "', its times are taken as local");
+        return v;
+    }
+
+    /* @v in the frame of an entry whose DTSTART gave @frame_tzid. */
+    static int64_t in_frame (const TimeValue &v, const std::string &frame_tzid)
+    {
+        if (frame_tzid.empty ()) {
+            return v.tzid.empty () ? v.minutes : local_from_utc (v.minutes);
         }
-        return civil_minutes (t.year, t.month, t.day, t.hour, t.minute);
+        return v.tzid.empty () ? utc_from_wall (v.minutes, zone_for_tzid (frame_tzid)) : v.minutes;
     }
 };
 
@@ -317,34 +376,108 @@ std::string text_of (icalcomponent *c, icalproperty_kind kind)
     return v ? v : std::string ();
 }
 
+/* Seconds since the epoch of a UTC (or floating, taken as UTC) time, for
+ * any year: no time_t conversion that stops at 1902. */
 int64_t seconds_of (icaltimetype t)
 {
-    return static_cast<int64_t> (icaltime_as_timet_with_zone (t, icaltime_is_utc (t) ? icaltimezone_get_utc_timezone ()
-                                                                                     : nullptr));
+    return civil_minutes (t.year, t.month, t.day, t.is_date ? 0 : t.hour, t.is_date ? 0 : t.minute) * 60
+           + (t.is_date ? 0 : t.second);
 }
 
-/* libical reads some malformed dates leniently ("2024-05-06" becomes a
- * date in the year 2024 of its own making); the text must be an iCalendar
- * DATE or DATE-TIME. */
-bool date_text_ok (const Item &item, const std::string &name)
+int64_t days_in_month (int year, int month)
 {
-    auto is_digit = [] (char c) { return g_ascii_isdigit (c); };
+    static const int lengths[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+    const bool leap = (year % 4 == 0 && year % 100 != 0) || year % 400 == 0;
+    return month == 2 && leap ? 29 : lengths[month - 1];
+}
+
+/* Why one DATE or DATE-TIME text is not a real date, empty when it is. */
+std::string date_value_problem (const std::string &v)
+{
+    auto digits = [&] (size_t from, size_t n) {
+        int out = 0;
+        for (size_t i = from; i < from + n; ++i) {
+            out = out * 10 + (v[i] - '0');
+        }
+        return out;
+    };
+    auto all_digits = [&] (size_t from, size_t n) {
+        return v.size () >= from + n && std::all_of (v.begin () + from, v.begin () + from + n,
+                                                     [] (char c) { return g_ascii_isdigit (c); });
+    };
+    const bool is_date = v.size () == 8 && all_digits (0, 8);
+    const bool is_time = (v.size () == 15 || (v.size () == 16 && v[15] == 'Z')) && all_digits (0, 8) && v[8] == 'T'
+                         && all_digits (9, 6);
+    if (!is_date && !is_time) {
+        return "'" + v + "' is not written as an iCalendar date or date-time";
+    }
+    const int year = digits (0, 4), month = digits (4, 2), day = digits (6, 2);
+    if (year < 1) {
+        return "'" + v + "': the year 0 cannot be kept (the calendar holds the years 1 to 9999)";
+    }
+    if (month < 1 || month > 12) {
+        return "'" + v + "': there is no month " + std::to_string (month);
+    }
+    if (day < 1 || day > days_in_month (year, month)) {
+        return "'" + v + "': there is no day " + std::to_string (day) + " in that month";
+    }
+    if (is_time && (digits (9, 2) > 23 || digits (11, 2) > 59 || digits (13, 2) > 60)) {
+        return "'" + v + "': there is no such time of day";
+    }
+    return {};
+}
+
+/* libical reads malformed dates leniently ("20021301" becomes a date of its
+ * own making): every date the properties @name hold (lists and periods
+ * included) must be a real one. The problem and its line, when not. */
+bool dates_ok (const Item &item, const std::string &name, std::string &problem, int &line)
+{
+    /* An unreadable end or due date is dropped by libical with a warning
+     * (the entry keeps its start); one that reads as an impossible date is
+     * not. */
+    const bool lenient = name == "DTEND" || name == "DUE";
     for (const Line *l : item.own_lines) {
         if (l->name != name) {
             continue;
         }
-        const std::string v = line_value (*l);
-        const bool digits8 = v.size () >= 8 && std::all_of (v.begin (), v.begin () + 8, is_digit);
-        if (v.size () == 8 && digits8) {
-            continue;
-        }
-        const bool time_ok = (v.size () == 15 || (v.size () == 16 && v[15] == 'Z')) && digits8 && v[8] == 'T'
-                             && std::all_of (v.begin () + 9, v.begin () + 15, is_digit);
-        if (!time_ok) {
-            return false;
+        const std::string value = line_value (*l);
+        size_t pos = 0;
+        while (pos <= value.size ()) {
+            size_t comma = value.find (',', pos);
+            if (comma == std::string::npos) {
+                comma = value.size ();
+            }
+            std::string v = value.substr (pos, comma - pos);
+            const size_t slash = v.find ('/');
+            std::string second;
+            if (slash != std::string::npos) {
+                second = v.substr (slash + 1);
+                v = v.substr (0, slash);
+            }
+            problem = date_value_problem (v);
+            if (lenient && problem.find ("is not written as") != std::string::npos) {
+                problem.clear ();
+            }
+            if (problem.empty () && !second.empty () && second[0] != 'P' && second[0] != '+' && second[0] != '-') {
+                problem = date_value_problem (second);
+            }
+            if (!problem.empty ()) {
+                problem = name + " " + problem;
+                line = l->number;
+                return false;
+            }
+            pos = comma + 1;
         }
     }
     return true;
+}
+
+/* iTIP methods whose components only answer or withdraw: they name an
+ * entry and need not describe it. */
+bool answers_only (const std::string &method)
+{
+    return method == "CANCEL" || method == "REPLY" || method == "REFRESH" || method == "COUNTER"
+           || method == "DECLINECOUNTER";
 }
 
 /* Converts one parsed component. Errors name the offending property. */
@@ -392,26 +525,55 @@ bool to_record (icalcomponent *comp, const Item &item, const TimeReader &times, 
         rec.modified = seconds_of (icalproperty_get_lastmodified (p));
     }
 
+    for (const char *name : {"DTSTART", "DTEND", "DUE", "RECURRENCE-ID", "EXDATE", "RDATE"}) {
+        if (!dates_ok (item, name, error, error_line)) {
+            return false;
+        }
+    }
+    if (icalproperty *p = icalcomponent_get_first_property (comp, ICAL_DTSTAMP_PROPERTY)) {
+        rec.dtstamp = seconds_of (icalproperty_get_dtstamp (p));
+    }
+    if (icalproperty *p = icalcomponent_get_first_property (comp, ICAL_SEQUENCE_PROPERTY)) {
+        rec.sequence = icalproperty_get_sequence (p);
+    }
+    if (icalproperty *p = icalcomponent_get_first_property (comp, ICAL_STATUS_PROPERTY)) {
+        rec.cancelled = icalproperty_get_status (p) == ICAL_STATUS_CANCELLED;
+    }
+
     icalproperty *dtstart = icalcomponent_get_first_property (comp, ICAL_DTSTART_PROPERTY);
-    std::string zone_name;
+    auto in_frame = [&] (icalproperty *p, icaltimetype t) {
+        return TimeReader::in_frame (times.read (t, tzid_of (p)), rec.tzid);
+    };
     if (rec.kind == EntryKind::Event) {
+        icalproperty *rid = icalcomponent_get_first_property (comp, ICAL_RECURRENCEID_PROPERTY);
+        if (!dtstart && answers_only (item.method)) {
+            /* A reply or a cancellation names an event by UID (and
+             * RECURRENCE-ID) and need not say when it is. */
+            const TimeValue v = rid ? times.read (icalproperty_get_recurrenceid (rid), tzid_of (rid)) : TimeValue {};
+            rec.all_day = v.is_date;
+            rec.tzid = v.tzid;
+            rec.start = rec.end = v.minutes;
+            rec.recurrence_id = rid ? v.minutes : kNoRecurrenceId;
+            return true;
+        }
         if (!dtstart) {
             error = "the event has no DTSTART";
             error_line = item.first_line;
             return false;
         }
         const icaltimetype start = icalproperty_get_dtstart (dtstart);
-        if (icaltime_is_null_time (start) || !icaltime_is_valid_time (start) || !date_text_ok (item, "DTSTART")) {
+        if (icaltime_is_null_time (start)) {
             error = "the event's DTSTART is not a date";
             error_line = line_of ("DTSTART");
             return false;
         }
         rec.all_day = start.is_date;
-        rec.start = times.civil (start, tzid_of (dtstart), &zone_name);
+        const TimeValue first = times.read (start, tzid_of (dtstart));
+        rec.tzid = first.tzid;
+        rec.start = first.minutes;
         if (icalproperty *p = icalcomponent_get_first_property (comp, ICAL_DTEND_PROPERTY)) {
-            const icaltimetype end = icalproperty_get_dtend (p);
-            int64_t civil_end = times.civil (end, tzid_of (p));
-            rec.end = rec.all_day ? std::max (civil_day_start (civil_end) - 1, rec.start + 1439) : civil_end;
+            const int64_t end = in_frame (p, icalproperty_get_dtend (p));
+            rec.end = rec.all_day ? std::max (civil_day_start (end) - 1, rec.start + 1439) : end;
         } else if (icalproperty *p = icalcomponent_get_first_property (comp, ICAL_DURATION_PROPERTY)) {
             const int64_t minutes = icaldurationtype_as_int (icalproperty_get_duration (p)) / 60;
             rec.end = rec.all_day ? std::max (rec.start + minutes - 1, rec.start + 1439) : rec.start + minutes;
@@ -423,13 +585,21 @@ bool to_record (icalcomponent *comp, const Item &item, const TimeReader &times, 
                                 "' ends before it starts; it is kept as a moment at its start");
             rec.end = rec.start;
         }
+        if (icalproperty *p = rid) {
+            rec.recurrence_id = in_frame (p, icalproperty_get_recurrenceid (p));
+            if (rec.all_day) {
+                rec.recurrence_id = civil_day_start (rec.recurrence_id);
+            }
+        }
     } else if (rec.kind == EntryKind::Task) {
         icalproperty *due = icalcomponent_get_first_property (comp, ICAL_DUE_PROPERTY);
         icalproperty *when = due ? due : dtstart;
         if (when) {
             const icaltimetype t = due ? icalproperty_get_due (due) : icalproperty_get_dtstart (dtstart);
-            rec.start = civil_day_start (times.civil (t, tzid_of (when)));
+            rec.start = civil_day_start (TimeReader::in_frame (times.read (t, tzid_of (when)), ""));
         } else {
+            /* Kept undated; shown on the day it is looked at. */
+            rec.undated = true;
             rec.start = civil_day_start (civil_from_time_t (time (nullptr)));
         }
         rec.all_day = true;
@@ -446,7 +616,7 @@ bool to_record (icalcomponent *comp, const Item &item, const TimeReader &times, 
     } else {
         rec.all_day = true;
         if (dtstart) {
-            rec.start = times.civil (icalproperty_get_dtstart (dtstart), tzid_of (dtstart));
+            rec.start = TimeReader::in_frame (times.read (icalproperty_get_dtstart (dtstart), tzid_of (dtstart)), "");
         } else {
             rec.start = civil_day_start (civil_from_time_t (rec.created ? rec.created : time (nullptr)));
         }
@@ -479,32 +649,52 @@ bool to_record (icalcomponent *comp, const Item &item, const TimeReader &times, 
         /* Further EXRULEs exclude too; their occurrences are kept as
          * exception dates. */
         for (size_t i = 1; i < exrules.size (); ++i) {
-            EntryRecord probe;
-            probe.start = rec.start;
-            probe.end = rec.start;
+            EntryRecord probe = rec;
             probe.rrule = exrules[i];
-            probe.tzid = zone_name;
+            probe.exrule.clear ();
+            probe.rdates.clear ();
+            probe.exdates.clear ();
+            probe.end = probe.start;
             for (int64_t s : expand_instances_stepping (probe, INT64_MIN, kUnbounded)) {
-                rec.exdates.push_back (s);
+                rec.exdates.push_back (probe.is_instant () ? utc_from_local (s) : s);
             }
         }
         for (icalproperty *p = icalcomponent_get_first_property (comp, ICAL_EXDATE_PROPERTY); p;
              p = icalcomponent_get_next_property (comp, ICAL_EXDATE_PROPERTY)) {
-            rec.exdates.push_back (times.civil (icalproperty_get_exdate (p), tzid_of (p)));
+            rec.exdates.push_back (in_frame (p, icalproperty_get_exdate (p)));
         }
         for (icalproperty *p = icalcomponent_get_first_property (comp, ICAL_RDATE_PROPERTY); p;
              p = icalcomponent_get_next_property (comp, ICAL_RDATE_PROPERTY)) {
             const struct icaldatetimeperiodtype d = icalproperty_get_rdate (p);
             if (icaltime_is_null_time (d.time)) {
-                warnings.push_back ("line " + std::to_string (line_of ("RDATE")) +
-                                    ": RDATE periods are not supported; kept in the file's text only");
+                /* A period: its start is an instance (of the entry's length);
+                 * the period is kept to be written back. */
+                if (!icaltime_is_null_time (d.period.start)) {
+                    const int64_t begin = in_frame (p, d.period.start);
+                    const int64_t end = !icaltime_is_null_time (d.period.end)
+                                            ? in_frame (p, d.period.end)
+                                            : begin + icaldurationtype_as_int (d.period.duration) / 60;
+                    rec.rdate_ends.resize (rec.rdates.size (), kNoRecurrenceId);
+                    rec.rdates.push_back (begin);
+                    rec.rdate_ends.push_back (end);
+                }
                 continue;
             }
-            rec.rdates.push_back (times.civil (d.time, tzid_of (p)));
+            rec.rdates.push_back (in_frame (p, d.time));
+            if (!rec.rdate_ends.empty ()) {
+                rec.rdate_ends.push_back (kNoRecurrenceId);
+            }
         }
         std::sort (rec.exdates.begin (), rec.exdates.end ());
+        if (rec.is_exception ()) {
+            /* An exception stands for one instance. */
+            rec.rrule.clear ();
+            rec.exrule.clear ();
+            rec.exdates.clear ();
+            rec.rdates.clear ();
+            rec.rdate_ends.clear ();
+        }
         if (!rec.rrule.empty ()) {
-            rec.tzid = zone_name;
             Status s = validate_rrule (rec.rrule);
             if (!s.ok ()) {
                 error = s.message;
@@ -512,12 +702,19 @@ bool to_record (icalcomponent *comp, const Item &item, const TimeReader &times, 
                 return false;
             }
             int64_t until = -1;
-            rec.repeat_code = repeat_code_for_rrule (rec.rrule, rec.start, &until);
+            const int64_t wall_start = rec.is_instant () ? wall_from_utc (rec.start, zone_for_tzid (rec.tzid))
+                                                         : rec.start;
+            rec.repeat_code = repeat_code_for_rrule (rec.rrule, wall_start, &until);
+            if (rec.is_instant () && rec.repeat_code != TavCalendarRepeatsComplex) {
+                /* The simple codes repeat on the local wall clock. */
+                rec.repeat_code = TavCalendarRepeatsComplex;
+            }
         } else if (!rec.rdates.empty ()) {
             rec.repeat_code = TavCalendarRepeatsComplex;
         }
 
-        /* The nearest of the alarm codes to the first VALARM. */
+        /* The nearest of the alarm codes to the first VALARM; all of them
+         * are kept as they came. */
         for (icalcomponent *alarm = icalcomponent_get_first_component (comp, ICAL_VALARM_COMPONENT); alarm;
              alarm = icalcomponent_get_next_component (comp, ICAL_VALARM_COMPONENT)) {
             icalproperty *trigger = icalcomponent_get_first_property (alarm, ICAL_TRIGGER_PROPERTY);
@@ -527,7 +724,7 @@ bool to_record (icalcomponent *comp, const Item &item, const TimeReader &times, 
             const struct icaltriggertype t = icalproperty_get_trigger (trigger);
             int64_t before;
             if (!icaltime_is_null_time (t.time)) {
-                before = rec.start - times.civil (t.time, nullptr);
+                before = rec.start - TimeReader::in_frame (times.read (t.time, nullptr), rec.tzid);
             } else {
                 before = -icaldurationtype_as_int (t.duration) / 60;
                 icalparameter *rel = icalproperty_get_first_parameter (trigger, ICAL_RELATED_PARAMETER);
@@ -537,7 +734,8 @@ bool to_record (icalcomponent *comp, const Item &item, const TimeReader &times, 
             }
             rec.alarm_code = alarm_code_for_minutes (before);
             if (rec.alarm_code == TavCalendarAlarmDayBefore) {
-                const CivilFields f = civil_fields (rec.start - before);
+                const int64_t local_start = rec.is_instant () ? local_from_utc (rec.start) : rec.start;
+                const CivilFields f = civil_fields (local_start - before);
                 rec.alarm_time = f.hour * 60 + f.minute;
             }
             break;
@@ -548,7 +746,7 @@ bool to_record (icalcomponent *comp, const Item &item, const TimeReader &times, 
     const std::set<std::string> &handled = handled_properties (kind);
     std::string extra;
     for (const Line *l : item.own_lines) {
-        if (!handled.count (l->name)) {
+        if (!handled.count (l->name) && !(l->name == "STATUS" && rec.cancelled)) {
             extra += l->text + "\n";
         }
         if (l->name == "X-TAV-BIRTHDAY") {
@@ -558,25 +756,26 @@ bool to_record (icalcomponent *comp, const Item &item, const TimeReader &times, 
         }
     }
     bool in_alarm = false;
+    std::string alarms;
     for (const Line *l : item.child_lines) {
-        /* VALARMs become the alarm code; other nested components are kept. */
+        /* VALARMs are kept apart (they give the alarm code); other nested
+         * components are kept with the unknown properties. */
         if (l->name == "BEGIN" && upper (line_value (*l)) == "VALARM") {
             in_alarm = true;
         }
-        if (!in_alarm) {
-            extra += l->text + "\n";
-        }
+        (in_alarm ? alarms : extra) += l->text + "\n";
         if (l->name == "END" && upper (line_value (*l)) == "VALARM") {
             in_alarm = false;
         }
     }
+    rec.alarms = rec.kind == EntryKind::Event ? alarms : std::string ();
     rec.extra = extra;
     return true;
 }
 
-/* A stable UID for a component that has none, so that importing the same
- * file twice does not double it. */
-std::string derived_uid (const Item &item, std::map<std::string, int> &seen)
+/* A stable UID for a component that has none, from its own text: the same
+ * component imported twice (or twice in one file) is one entry. */
+std::string derived_uid (const Item &item, std::map<std::string, int> &)
 {
     std::string text;
     for (const Line *l : item.own_lines) {
@@ -585,10 +784,6 @@ std::string derived_uid (const Item &item, std::map<std::string, int> &seen)
     char *sum = g_compute_checksum_for_string (G_CHECKSUM_SHA1, text.c_str (), -1);
     std::string uid = std::string (sum) + "@import.tav-calendar";
     g_free (sum);
-    const int n = seen[uid]++;
-    if (n > 0) {
-        uid += "-" + std::to_string (n);
-    }
     return uid;
 }
 
@@ -627,6 +822,238 @@ int64_t alarm_code_minutes (int code)
     }
 }
 
+ImportCounts &ImportCounts::operator+= (const ImportCounts &o)
+{
+    added += o.added;
+    updated += o.updated;
+    cancelled += o.cancelled;
+    unchanged += o.unchanged;
+    attendees += o.attendees;
+    ignored += o.ignored;
+    skipped += o.skipped;
+    return *this;
+}
+
+std::string ImportResult::report () const
+{
+    std::string out;
+    for (const auto &m : methods) {
+        const ImportCounts &c = m.second;
+        out += (m.first.empty () ? std::string ("no METHOD") : m.first) + ": " + std::to_string (c.components ()) +
+               " components";
+        const std::pair<const char *, int> parts[] = {{"added", c.added},         {"updated", c.updated},
+                                                      {"cancelled", c.cancelled}, {"unchanged", c.unchanged},
+                                                      {"attendee replies", c.attendees},
+                                                      {"with nothing to do", c.ignored}, {"skipped", c.skipped}};
+        const char *sep = ": ";
+        for (const auto &p : parts) {
+            if (p.second) {
+                out += sep + std::to_string (p.second) + " " + p.first;
+                sep = ", ";
+            }
+        }
+        out += "\n";
+    }
+    for (const SkippedComponent &s : skipped) {
+        out += "skipped line " + std::to_string (s.line) + ": " + s.reason + "\n";
+    }
+    return out;
+}
+
+namespace {
+
+/* Everything a user would see or the store would write back. */
+bool same_entry (const EntryRecord &a, const EntryRecord &b)
+{
+    return a.kind == b.kind && a.title == b.title && a.description == b.description && a.location == b.location
+           && (a.undated || (a.start == b.start && a.end == b.end)) && a.all_day == b.all_day && a.tzid == b.tzid
+           && a.rrule == b.rrule && a.exrule == b.exrule && a.exdates == b.exdates && a.rdates == b.rdates
+           && a.rdate_ends == b.rdate_ends
+           && a.alarm_code == b.alarm_code && a.alarm_time == b.alarm_time && a.alarms == b.alarms
+           && a.extra == b.extra && a.done == b.done && a.cancelled == b.cancelled && a.sequence == b.sequence
+           && a.has_birthday == b.has_birthday && a.birth_year == b.birth_year && a.undated == b.undated
+           && (a.undated || a.start == b.start);
+}
+
+/* Whether the stored @old is newer than the incoming @incoming. */
+bool supersedes (const EntryRecord &old, const EntryRecord &incoming)
+{
+    return old.sequence > incoming.sequence || (old.sequence == incoming.sequence && old.dtstamp > incoming.dtstamp);
+}
+
+/* The calendar address an ATTENDEE line names, lower-cased. */
+std::string attendee_address (const std::string &line)
+{
+    const Line l {line, 0, "ATTENDEE"};
+    char *low = g_ascii_strdown (line_value (l).c_str (), -1);
+    std::string out = low;
+    g_free (low);
+    return out;
+}
+
+/* @extra with the ATTENDEE lines of @reply in place of those for the same
+ * address (new attendees appended). */
+std::string merge_attendees (const std::string &extra, const Item &reply)
+{
+    std::vector<std::string> lines;
+    size_t pos = 0;
+    while (pos < extra.size ()) {
+        size_t eol = extra.find ('\n', pos);
+        if (eol == std::string::npos) {
+            eol = extra.size ();
+        }
+        lines.push_back (extra.substr (pos, eol - pos));
+        pos = eol + 1;
+    }
+    for (const Line *l : reply.own_lines) {
+        if (l->name != "ATTENDEE") {
+            continue;
+        }
+        const std::string address = attendee_address (l->text);
+        auto it = std::find_if (lines.begin (), lines.end (), [&] (const std::string &x) {
+            return upper (x.substr (0, 8)) == "ATTENDEE" && attendee_address (x) == address;
+        });
+        if (it != lines.end ()) {
+            *it = l->text;
+        } else {
+            lines.push_back (l->text);
+        }
+    }
+    std::string out;
+    for (const std::string &x : lines) {
+        out += x + "\n";
+    }
+    return out;
+}
+
+struct Importer {
+    Store &store;
+    int64_t calendar_id;
+    ImportResult &result;
+
+    void count_kind (const EntryRecord &rec)
+    {
+        switch (rec.kind) {
+        case EntryKind::Event: ++result.events; break;
+        case EntryKind::Task: ++result.tasks; break;
+        case EntryKind::Note: ++result.notes; break;
+        }
+    }
+
+    /* Stores @rec (a new or a newer version of a stored entry); a refusal
+     * the component itself causes is a skip, anything else is returned. */
+    Status store_record (EntryRecord &rec, const EntryRecord *existing, ImportCounts &counts, int line,
+                         bool cancelling = false)
+    {
+        Status s;
+        if (existing) {
+            rec.id = existing->id;
+            if (rec.created == 0) {
+                rec.created = existing->created;
+            }
+            s = store.update_entry (rec);
+        } else {
+            s = store.add_entry (rec);
+        }
+        if (s.code == CalendarInvalidArg || s.code == CalendarDuplicateError) {
+            skip (counts, line, s.message);
+            return Status::success ();
+        }
+        if (s.ok () && cancelling) {
+            ++counts.cancelled;
+        } else if (s.ok ()) {
+            ++(existing ? counts.updated : counts.added);
+            count_kind (rec);
+        }
+        return s;
+    }
+
+    void skip (ImportCounts &counts, int line, const std::string &reason)
+    {
+        ++counts.skipped;
+        result.skipped.push_back ({line, reason});
+    }
+
+    Status apply (EntryRecord &rec, const std::string &method, const Item &item, ImportCounts &counts)
+    {
+        EntryRecord existing;
+        const bool found = store.find_entry_by_key (calendar_id, rec.uid, rec.recurrence_id, &existing);
+        if (method == "REPLY" || method == "REFRESH" || method == "COUNTER" || method == "DECLINECOUNTER") {
+            /* Answers to an organiser change attendee status, never the
+             * event; a proposal (COUNTER) waits for the organiser. */
+            if (method != "REPLY" || !found) {
+                ++counts.ignored;
+                return Status::success ();
+            }
+            const std::string merged = merge_attendees (existing.extra, item);
+            if (merged == existing.extra) {
+                ++counts.unchanged;
+                return Status::success ();
+            }
+            existing.extra = merged;
+            Status s = store.update_entry (existing);
+            if (s.ok ()) {
+                ++counts.attendees;
+            }
+            return s;
+        }
+        if (found && supersedes (existing, rec)) {
+            ++counts.unchanged;
+            return Status::success ();
+        }
+        if (method == "CANCEL" || rec.cancelled) {
+            if (!rec.is_exception ()) {
+                int removed = 0;
+                Status s = store.delete_series (calendar_id, rec.uid, &removed);
+                if (s.ok ()) {
+                    ++(removed ? counts.cancelled : counts.ignored);
+                }
+                return s;
+            }
+            /* A cancelled instance is kept as such: it hides that instance
+             * of the series, whenever the series arrives. */
+            rec.cancelled = true;
+            if (found && existing.cancelled) {
+                ++counts.unchanged;
+                return Status::success ();
+            }
+            return store_record (rec, found ? &existing : nullptr, counts, item.first_line, true);
+        }
+        if (found) {
+            EntryRecord probe = rec;
+            probe.cancelled = false;
+            if (same_entry (existing, probe)) {
+                ++counts.unchanged;
+                return Status::success ();
+            }
+        }
+        return store_record (rec, found ? &existing : nullptr, counts, item.first_line);
+    }
+};
+
+/* Each VTIMEZONE block of @zone_text on its own. */
+std::vector<std::string> zone_blocks (const std::string &zone_text)
+{
+    std::vector<std::string> out;
+    size_t pos = 0;
+    const std::string end_marker = "END:VTIMEZONE\r\n";
+    while (true) {
+        const size_t begin = zone_text.find ("BEGIN:VTIMEZONE", pos);
+        if (begin == std::string::npos) {
+            break;
+        }
+        const size_t end = zone_text.find (end_marker, begin);
+        if (end == std::string::npos) {
+            break;
+        }
+        out.push_back (zone_text.substr (begin, end + end_marker.size () - begin));
+        pos = end + end_marker.size ();
+    }
+    return out;
+}
+
+}  // namespace
+
 ImportResult import_ics_text (Store &store, int64_t calendar_id, const std::string &text, const ImportProgress &progress)
 {
     ImportResult result;
@@ -661,16 +1088,27 @@ ImportResult import_ics_text (Store &store, int64_t calendar_id, const std::stri
         return result;
     }
 
-    ComponentPtr zones;
-    if (!zone_text.empty ()) {
-        zones.reset (icalparser_parse_string (("BEGIN:VCALENDAR\r\n" + zone_text + "END:VCALENDAR\r\n").c_str ()));
+    Store::Transaction tx (store);
+    for (const std::string &zone : zone_blocks (zone_text)) {
+        if (!register_zone (zone)) {
+            result.warnings.push_back ("a VTIMEZONE of the file cannot be read; its TZID is looked up by name");
+            continue;
+        }
+        ComponentPtr comp (icalparser_parse_string (zone.c_str ()));
+        icalproperty *id = comp ? icalcomponent_get_first_property (comp.get (), ICAL_TZID_PROPERTY) : nullptr;
+        Status s = id ? store.save_zone (icalproperty_get_tzid (id), zone) : Status::success ();
+        if (!s.ok ()) {
+            result.status = s;
+            return result;
+        }
     }
-    TimeReader times {zones.get (), &result.warnings};
-
-    std::vector<EntryRecord> records;
-    records.reserve (items.size ());
+    TimeReader times {&result.warnings};
+    Importer importer {store, calendar_id, result};
     std::map<std::string, int> seen;
-    for (const Item &item : items) {
+    const size_t total = items.size ();
+    for (size_t i = 0; i < total; ++i) {
+        const Item &item = items[i];
+        ImportCounts &counts = result.methods[item.method];
         std::string source = "BEGIN:" + item.kind + "\r\n";
         for (const Line *l : item.own_lines) {
             source += l->text + "\r\n";
@@ -679,61 +1117,31 @@ ImportResult import_ics_text (Store &store, int64_t calendar_id, const std::stri
             source += l->text + "\r\n";
         }
         source += "END:" + item.kind + "\r\n";
-        ComponentPtr comp (icalparser_parse_string (source.c_str ()));
-        if (!comp) {
-            result.line = item.first_line;
-            result.status = Status::failure (CalendarInvalidIcsComponent,
-                                             "line " + std::to_string (item.first_line) + ": " + item.kind +
-                                                 " cannot be read");
-            return result;
-        }
+        ComponentPtr comp (parse_component (source));
         EntryRecord rec;
         rec.calendar_id = calendar_id;
         std::string message;
         int line = item.first_line;
-        if (!to_record (comp.get (), item, times, rec, message, line, result.warnings)) {
-            result.line = line;
-            result.status = Status::failure (CalendarInvalidIcsComponent, "line " + std::to_string (line) + ": " + message);
-            return result;
-        }
-        if (rec.uid.empty ()) {
-            rec.uid = derived_uid (item, seen);
-        }
-        records.push_back (std::move (rec));
-    }
-
-    Store::Transaction tx (store);
-    const size_t total = records.size ();
-    for (size_t i = 0; i < total; ++i) {
-        EntryRecord &rec = records[i];
-        EntryRecord existing;
-        Status s;
-        if (store.find_entry_by_uid (calendar_id, rec.uid, &existing)) {
-            rec.id = existing.id;
-            if (rec.created == 0) {
-                rec.created = existing.created;
-            }
-            s = store.update_entry (rec);
-            if (s.ok ()) {
-                ++result.updated;
-            }
+        if (!comp) {
+            importer.skip (counts, line, item.kind + " cannot be read");
+        } else if (!to_record (comp.get (), item, times, rec, message, line, result.warnings)) {
+            importer.skip (counts, line, message);
         } else {
-            s = store.add_entry (rec);
+            if (rec.uid.empty ()) {
+                rec.uid = derived_uid (item, seen);
+            }
+            Status s = importer.apply (rec, item.method, item, counts);
+            if (!s.ok ()) {
+                ImportResult failed;
+                failed.line = item.first_line;
+                failed.status = Status::failure (s.code, "line " + std::to_string (item.first_line) + ": " + s.message);
+                return failed;  /* the transaction rolls back */
+            }
         }
-        if (!s.ok ()) {
-            result = ImportResult {};
-            result.line = items[i].first_line;
-            result.status = Status::failure (s.code == CalendarInvalidArg ? CalendarInvalidIcsComponent : s.code,
-                                             "line " + std::to_string (items[i].first_line) + ": " + s.message);
-            return result;  /* the transaction rolls back */
-        }
-        switch (rec.kind) {
-        case EntryKind::Event: ++result.events; break;
-        case EntryKind::Task: ++result.tasks; break;
-        case EntryKind::Note: ++result.notes; break;
-        }
-        if (progress) {
-            progress (i + 1, total);
+        if (progress && !progress (i + 1, total)) {
+            ImportResult stopped;
+            stopped.status = Status::failure (CalendarDefaultError, "the import was stopped; nothing was stored");
+            return stopped;
         }
     }
     Status s = tx.commit ();
@@ -742,17 +1150,45 @@ ImportResult import_ics_text (Store &store, int64_t calendar_id, const std::stri
         failed.status = s;
         return failed;
     }
-    result.status = Status::success ();
+    for (const auto &m : result.methods) {
+        result.counts += m.second;
+    }
+    if (!result.skipped.empty ()) {
+        result.status = Status::failure (CalendarImportIncomplete,
+                                         std::to_string (result.skipped.size ()) + " of " + std::to_string (total) +
+                                             " components were skipped; the others were stored");
+        result.line = result.skipped.front ().line;
+    } else {
+        result.status = Status::success ();
+    }
     return result;
 }
 
 ImportResult import_ics_file (Store &store, int64_t calendar_id, const std::string &path, const ImportProgress &progress)
 {
+    ImportResult result;
+    GStatBuf st;
+    if (g_stat (path.c_str (), &st) != 0) {
+        result.status = Status::failure (CalendarInvalidIcsFile,
+                                         "cannot read '" + path + "': " + g_strerror (errno));
+        return result;
+    }
+    if (!S_ISREG (st.st_mode)) {
+        result.status = Status::failure (CalendarInvalidIcsFile,
+                                         "'" + path + "' is not a regular file; only iCalendar files are imported");
+        return result;
+    }
+    if (st.st_size > kMaxImportBytes) {
+        result.status = Status::failure (CalendarInvalidIcsFile,
+                                         "'" + path + "' is too large to be a calendar (" +
+                                             std::to_string (st.st_size >> 20) + " MiB; at most " +
+                                             std::to_string (kMaxImportBytes >> 20) + " MiB are read)");
+        return result;
+    }
     gchar *contents = nullptr;
     gsize length = 0;
     GError *err = nullptr;
     if (!g_file_get_contents (path.c_str (), &contents, &length, &err)) {
-        ImportResult result;
         result.status = Status::failure (CalendarInvalidIcsFile, std::string ("cannot read '") + path + "': " + err->message);
         g_error_free (err);
         return result;
@@ -817,13 +1253,15 @@ std::string format_floating (int64_t civil)
     return buf;
 }
 
+/* Always four-digit years (the store holds 1 to 9999), for any year:
+ * strftime writes "%Y" unpadded and gmtime stops where time_t does. */
 std::string format_utc_seconds (int64_t seconds)
 {
-    const time_t t = static_cast<time_t> (seconds);
-    struct tm tm = {};
-    gmtime_r (&t, &tm);
-    char buf[24];
-    strftime (buf, sizeof buf, "%Y%m%dT%H%M%SZ", &tm);
+    const int64_t minutes = floor_div (seconds, 60);
+    const CivilFields f = civil_fields (minutes);
+    char buf[32];
+    snprintf (buf, sizeof buf, "%04d%02d%02dT%02d%02d%02dZ", f.year, f.month, f.day, f.hour, f.minute,
+              static_cast<int> (seconds - minutes * 60));
     return buf;
 }
 
@@ -833,33 +1271,37 @@ struct TimeWriter {
     icaltimezone *zone;
 
     /* ";VALUE=DATE:..." / ";TZID=...:..." / ":...Z" / ":..." */
-    std::string operator() (int64_t civil) const
+    std::string operator() (int64_t t) const
     {
         if (rec.all_day) {
-            return ";VALUE=DATE:" + format_date (civil);
+            return ";VALUE=DATE:" + format_date (t);
         }
-        if (zone) {
-            icaltimetype t = icaltime_from_timet_with_zone (time_t_from_civil (civil), 0, zone);
-            char buf[24];
-            snprintf (buf, sizeof buf, "%04d%02d%02dT%02d%02d%02d", t.year, t.month, t.day, t.hour, t.minute, t.second);
-            return ";TZID=" + rec.tzid + ":" + buf;
+        if (!rec.is_instant ()) {
+            return ":" + format_floating (t);
         }
-        if (rec.repeats ()) {
-            /* A local repeating event keeps its wall-clock time across DST. */
-            return ":" + format_floating (civil);
+        if (rec.tzid == "UTC" || !zone) {
+            return ":" + format_utc_seconds (t * 60);
         }
-        return ":" + format_utc_seconds (time_t_from_civil (civil));
+        return ";TZID=" + rec.tzid + ":" + format_floating (wall_from_utc (t, zone));
     }
 };
 
 void write_record (std::string &out, const EntryRecord &rec)
 {
     const char *kind = rec.kind == EntryKind::Event ? "VEVENT" : rec.kind == EntryKind::Task ? "VTODO" : "VJOURNAL";
-    icaltimezone *zone = rec.tzid.empty () ? nullptr : icaltimezone_get_builtin_timezone (rec.tzid.c_str ());
-    TimeWriter when {rec, zone};
+    TimeWriter when {rec, rec.is_instant () ? zone_for_tzid (rec.tzid) : nullptr};
     append_line (out, std::string ("BEGIN:") + kind);
     append_line (out, "UID:" + rec.uid);
-    append_line (out, "DTSTAMP:" + format_utc_seconds (time (nullptr)));
+    append_line (out, "DTSTAMP:" + format_utc_seconds (rec.dtstamp ? rec.dtstamp : time (nullptr)));
+    if (rec.is_exception ()) {
+        append_line (out, "RECURRENCE-ID" + when (rec.recurrence_id));
+    }
+    if (rec.sequence) {
+        append_line (out, "SEQUENCE:" + std::to_string (rec.sequence));
+    }
+    if (rec.cancelled) {
+        append_line (out, "STATUS:CANCELLED");
+    }
     if (rec.created) {
         append_line (out, "CREATED:" + format_utc_seconds (rec.created));
     }
@@ -879,7 +1321,13 @@ void write_record (std::string &out, const EntryRecord &rec)
     case EntryKind::Event: {
         append_line (out, "DTSTART" + when (rec.start));
         if (rec.all_day) {
-            append_line (out, "DTEND;VALUE=DATE:" + format_date (civil_day_start (rec.end) + kMinutesPerDay));
+            const int64_t end = civil_day_start (rec.end) + kMinutesPerDay;  /* exclusive */
+            if (civil_fields (end).year > 9999) {
+                /* 31 December 9999 ends in a year no date can name. */
+                append_line (out, "DURATION:P" + std::to_string ((end - rec.start) / kMinutesPerDay) + "D");
+            } else {
+                append_line (out, "DTEND;VALUE=DATE:" + format_date (end));
+            }
         } else {
             append_line (out, "DTEND" + when (rec.end));
         }
@@ -892,8 +1340,14 @@ void write_record (std::string &out, const EntryRecord &rec)
         for (int64_t x : rec.exdates) {
             append_line (out, "EXDATE" + when (x));
         }
-        for (int64_t r : rec.rdates) {
-            append_line (out, "RDATE" + when (r));
+        for (size_t i = 0; i < rec.rdates.size (); ++i) {
+            const bool period = i < rec.rdate_ends.size () && rec.rdate_ends[i] != kNoRecurrenceId && !rec.all_day;
+            if (period) {
+                const std::string end = when (rec.rdate_ends[i]);
+                append_line (out, "RDATE;VALUE=PERIOD" + when (rec.rdates[i]) + "/" + end.substr (end.rfind (':') + 1));
+            } else {
+                append_line (out, "RDATE" + when (rec.rdates[i]));
+            }
         }
         if (rec.has_birthday) {
             append_line (out, "X-TAV-BIRTHDAY:" + std::to_string (rec.birth_year));
@@ -901,7 +1355,9 @@ void write_record (std::string &out, const EntryRecord &rec)
         break;
     }
     case EntryKind::Task:
-        append_line (out, "DUE;VALUE=DATE:" + format_date (rec.start));
+        if (!rec.undated) {
+            append_line (out, "DUE;VALUE=DATE:" + format_date (rec.start));
+        }
         append_line (out, rec.done ? "STATUS:COMPLETED" : "STATUS:NEEDS-ACTION");
         break;
     case EntryKind::Note:
@@ -923,7 +1379,19 @@ void write_record (std::string &out, const EntryRecord &rec)
         }
         pos = eol + 1;
     }
-    if (rec.kind == EntryKind::Event && rec.alarm_code != TavCalendarAlarmNone) {
+    if (!rec.alarms.empty ()) {
+        size_t at = 0;
+        while (at < rec.alarms.size ()) {
+            size_t eol = rec.alarms.find ('\n', at);
+            if (eol == std::string::npos) {
+                eol = rec.alarms.size ();
+            }
+            if (eol > at) {
+                append_line (out, rec.alarms.substr (at, eol - at));
+            }
+            at = eol + 1;
+        }
+    } else if (rec.kind == EntryKind::Event && rec.alarm_code != TavCalendarAlarmNone) {
         int64_t before = alarm_code_minutes (rec.alarm_code);
         if (rec.alarm_code == TavCalendarAlarmDayBefore && rec.alarm_time >= 0) {
             before = rec.start - (civil_day_start (rec.start) - kMinutesPerDay + rec.alarm_time);
@@ -950,16 +1418,40 @@ std::string export_ics_text (Store &store, const std::vector<int64_t> &calendar_
         auto entries = store.entries_of_calendar (id);
         std::move (entries.begin (), entries.end (), std::back_inserter (all));
     }
+    /* Each series together: its master, then its exceptions. */
+    std::map<std::pair<int64_t, std::string>, int64_t> master_id;
+    for (const EntryRecord &rec : all) {
+        if (!rec.is_exception ()) {
+            master_id[{rec.calendar_id, rec.uid}] = rec.id;
+        }
+    }
+    for (const EntryRecord &rec : all) {
+        master_id.emplace (std::make_pair (rec.calendar_id, rec.uid), rec.id);  /* exceptions without a master */
+    }
+    std::stable_sort (all.begin (), all.end (), [&] (const EntryRecord &a, const EntryRecord &b) {
+        const int64_t ma = master_id[{a.calendar_id, a.uid}], mb = master_id[{b.calendar_id, b.uid}];
+        if (ma != mb) {
+            return ma < mb;
+        }
+        return a.recurrence_id < b.recurrence_id;
+    });
     std::set<std::string> zones;
     for (const EntryRecord &rec : all) {
-        if (!rec.tzid.empty () && !rec.all_day && zones.insert (rec.tzid).second) {
-            if (icaltimezone *z = icaltimezone_get_builtin_timezone (rec.tzid.c_str ())) {
-                icalcomponent *vtz = icaltimezone_get_component (z);
-                char *text = vtz ? icalcomponent_as_ical_string_r (vtz) : nullptr;
-                if (text) {
-                    out += text;
-                    free (text);
+        if (rec.is_instant () && rec.tzid != "UTC" && zones.insert (rec.tzid).second) {
+            const std::string text = zone_definition (rec.tzid);
+            for (size_t at = 0; at < text.size ();) {
+                size_t eol = text.find ('\n', at);
+                if (eol == std::string::npos) {
+                    eol = text.size ();
                 }
+                std::string line = text.substr (at, eol - at);
+                if (!line.empty () && line.back () == '\r') {
+                    line.pop_back ();
+                }
+                if (!line.empty ()) {
+                    append_line (out, line);
+                }
+                at = eol + 1;
             }
         }
     }
@@ -975,9 +1467,29 @@ std::string export_ics_text (Store &store, const std::vector<int64_t> &calendar_
 
 Status export_ics_file (Store &store, const std::vector<int64_t> &calendar_ids, const std::string &path, int *count)
 {
+    /* A symbolic link stays one: the file it points to is written. */
+    std::string target = path;
+    for (int depth = 0; g_file_test (target.c_str (), G_FILE_TEST_IS_SYMLINK); ++depth) {
+        gchar *dest = depth < 40 ? g_file_read_link (target.c_str (), nullptr) : nullptr;
+        if (!dest) {
+            return Status::failure (CalendarDefaultError,
+                                    "cannot write '" + path + "': its symbolic link cannot be followed");
+        }
+        if (g_path_is_absolute (dest)) {
+            target = dest;
+        } else {
+            gchar *dir = g_path_get_dirname (target.c_str ());
+            target = std::string (dir) + G_DIR_SEPARATOR_S + dest;
+            g_free (dir);
+        }
+        g_free (dest);
+    }
+    if (g_file_test (target.c_str (), G_FILE_TEST_EXISTS) && !g_file_test (target.c_str (), G_FILE_TEST_IS_REGULAR)) {
+        return Status::failure (CalendarDefaultError, "cannot write '" + path + "': it is not a regular file");
+    }
     const std::string text = export_ics_text (store, calendar_ids, count);
     GError *err = nullptr;
-    if (!g_file_set_contents (path.c_str (), text.data (), static_cast<gssize> (text.size ()), &err)) {
+    if (!g_file_set_contents (target.c_str (), text.data (), static_cast<gssize> (text.size ()), &err)) {
         Status s = Status::failure (err->code == G_FILE_ERROR_NOSPC ? CalendarDiskFullError : CalendarDefaultError,
                                     std::string ("cannot write '") + path + "': " + err->message);
         g_error_free (err);

@@ -8,6 +8,7 @@
 #include <calendarui/TavCalendarEnums.h>
 
 #include <cstdint>
+#include <climits>
 #include <string>
 #include <vector>
 
@@ -18,6 +19,7 @@ namespace tav::host {
 struct Status {
     CalendarUiErrorCode code = CalendarNoError;
     std::string message;
+    int rc = 0;         /* the SQLite result behind a store failure, when any */
 
     bool ok () const { return code == CalendarNoError; }
     static Status success () { return {}; }
@@ -39,9 +41,15 @@ struct CalendarRecord {
 
 enum class EntryKind { Event = 0, Task = 1, Note = 2 };
 
-/* One event, task or note. Times are civil minutes of local wall-clock time
- * (see HostCivilTime.h); @end is inclusive: an all-day event on one day has
- * start = that day 00:00 and end = that day 23:59. */
+/* RECURRENCE-ID of an entry that is no exception of a series. */
+constexpr int64_t kNoRecurrenceId = INT64_MIN;
+
+/* One event, task or note. All-day entries, notes, tasks and floating
+ * times are civil minutes of the viewer's wall clock (see HostCivilTime.h);
+ * a timed entry with a @tzid ("UTC" or a zone) is an instant: its times,
+ * exception dates, RDATEs and RECURRENCE-ID are minutes since 1970-01-01
+ * 00:00 UTC (see HostZone.h). @end is inclusive: an all-day event on one day
+ * has start = that day 00:00 and end = that day 23:59. */
 struct EntryRecord {
     int64_t id = 0;             /* 0 until stored */
     int64_t calendar_id = 0;
@@ -64,9 +72,25 @@ struct EntryRecord {
     std::string exrule;         /* RFC 2445 EXRULE value, kept when imported */
     std::vector<int64_t> exdates;
     std::vector<int64_t> rdates;
-    std::string tzid;           /* zone the recurrence runs in; empty: local */
+    /* Ends of RDATE periods, beside rdates (kNoRecurrenceId: a plain
+     * date); empty when none is a period. Instances keep the entry's
+     * length; the periods are written back as they came. */
+    std::vector<int64_t> rdate_ends;
+    std::string tzid;           /* zone of the times; empty: floating */
+
+    /* A series is its master (no RECURRENCE-ID) and its exceptions, all
+     * under one UID; an exception replaces the instance that starts at its
+     * @recurrence_id, a cancelled one removes it. */
+    int64_t recurrence_id = kNoRecurrenceId;
+    bool cancelled = false;
+    int sequence = 0;           /* iCalendar SEQUENCE: the higher is newer */
+    int64_t dtstamp = 0;        /* seconds since the epoch, 0 when unknown */
+    /* Of a master, as read from the store: the RECURRENCE-IDs of its
+     * exceptions (not stored with the master itself). */
+    std::vector<int64_t> overridden;
 
     bool done = false;          /* tasks */
+    bool undated = false;       /* a task without a due date (start: the day it was read) */
     bool has_birthday = false;
     int birth_year = -1;
 
@@ -76,8 +100,13 @@ struct EntryRecord {
     /* iCalendar properties this model has no field for, as folded text,
      * written back on export so that nothing imported is lost. */
     std::string extra;
+    /* The VALARM components as imported, written back unchanged while the
+     * alarm code stays the one they gave. */
+    std::string alarms;
 
     bool repeats () const { return !rrule.empty () || !rdates.empty (); }
+    bool is_instant () const { return !tzid.empty () && !all_day && kind == EntryKind::Event; }
+    bool is_exception () const { return recurrence_id != kNoRecurrenceId; }
     int64_t duration () const { return end - start; }
 };
 

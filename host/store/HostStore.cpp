@@ -1,8 +1,11 @@
 #include "HostStore.h"
 #include "HostCivilTime.h"
 #include "HostRecurrence.h"
+#include "HostZone.h"
 
 #include <glib.h>
+#include <glib/gstdio.h>
+#include <unistd.h>
 #include <sqlite3.h>
 
 #include <algorithm>
@@ -15,6 +18,13 @@
 namespace tav::host {
 
 namespace {
+
+/* How long a store another process is writing is waited for. */
+constexpr int kBusyTimeoutMs = 15000;
+
+/* The store keeps the years 1 to 9999: what iCalendar can write. */
+const int64_t kLowestMinute = civil_minutes (1, 1, 1);
+const int64_t kHighestMinute = civil_minutes (9999, 12, 31, 23, 59);
 
 /* Version 1: calendars and entries with a plain start index. */
 const char *const kSchemaV1 = R"SQL(
@@ -72,10 +82,74 @@ CREATE INDEX entries_kind ON entries (kind, calendar_id);
 DROP INDEX entries_start;
 )SQL";
 
+/* Version 3: series and their exceptions share a UID and differ by
+ * RECURRENCE-ID (the key becomes calendar, UID, RECURRENCE-ID); SEQUENCE,
+ * DTSTAMP, cancellation and the imported VALARMs are kept; timed entries
+ * with a zone hold UTC instants (re-indexed after the migration); the
+ * VTIMEZONEs of imported files are kept by TZID. */
+const char *const kSchemaV3 = R"SQL(
+CREATE TABLE entries_v3 (
+    id           INTEGER PRIMARY KEY,
+    calendar_id  INTEGER NOT NULL REFERENCES calendars(id) ON DELETE CASCADE,
+    kind         INTEGER NOT NULL,
+    uid          TEXT NOT NULL,
+    title        TEXT,
+    description  TEXT,
+    location     TEXT,
+    start        INTEGER NOT NULL,
+    end          INTEGER NOT NULL,
+    all_day      INTEGER NOT NULL DEFAULT 0,
+    alarm_code   INTEGER NOT NULL DEFAULT 0,
+    alarm_time   INTEGER NOT NULL DEFAULT -1,
+    repeat_code  INTEGER NOT NULL DEFAULT 0,
+    rrule        TEXT,
+    exdates      TEXT,
+    done         INTEGER NOT NULL DEFAULT 0,
+    has_birthday INTEGER NOT NULL DEFAULT 0,
+    birth_year   INTEGER NOT NULL DEFAULT -1,
+    created      INTEGER NOT NULL DEFAULT 0,
+    modified     INTEGER NOT NULL DEFAULT 0,
+    exrule       TEXT,
+    rdates       TEXT,
+    tzid         TEXT,
+    extra        TEXT,
+    recurrence_id INTEGER NOT NULL DEFAULT -9223372036854775808,
+    sequence     INTEGER NOT NULL DEFAULT 0,
+    dtstamp      INTEGER NOT NULL DEFAULT 0,
+    cancelled    INTEGER NOT NULL DEFAULT 0,
+    alarms       TEXT,
+    UNIQUE (calendar_id, uid, recurrence_id)
+);
+INSERT INTO entries_v3 (id, calendar_id, kind, uid, title, description, location, start, end, all_day,
+    alarm_code, alarm_time, repeat_code, rrule, exdates, done, has_birthday, birth_year, created, modified,
+    exrule, rdates, tzid, extra)
+  SELECT id, calendar_id, kind, uid, title, description, location, start, end, all_day,
+    alarm_code, alarm_time, repeat_code, rrule, exdates, done, has_birthday, birth_year, created, modified,
+    exrule, rdates, tzid, extra FROM entries;
+DROP TABLE entries;
+ALTER TABLE entries_v3 RENAME TO entries;
+DELETE FROM entry_spans;
+CREATE TRIGGER entries_drop_span AFTER DELETE ON entries
+BEGIN
+    DELETE FROM entry_spans WHERE id = old.id;
+END;
+CREATE INDEX entries_kind ON entries (kind, calendar_id);
+CREATE TABLE zones (
+    tzid        TEXT PRIMARY KEY,
+    definition  TEXT NOT NULL
+);
+)SQL";
+
+/* Version 4: tasks without a due date stay undated. */
+const char *const kSchemaV4 = R"SQL(
+ALTER TABLE entries ADD COLUMN undated INTEGER NOT NULL DEFAULT 0;
+)SQL";
+
 const char *const kEntryColumns =
     "e.id, e.calendar_id, e.kind, e.uid, e.title, e.description, e.location, e.start, e.end, e.all_day, "
     "e.alarm_code, e.alarm_time, e.repeat_code, e.rrule, e.exdates, e.done, e.has_birthday, e.birth_year, "
-    "e.created, e.modified, e.exrule, e.rdates, e.tzid, e.extra";
+    "e.created, e.modified, e.exrule, e.rdates, e.tzid, e.extra, e.recurrence_id, e.sequence, e.dtstamp, e.cancelled, "
+    "e.alarms, e.undated";
 
 std::string join_minutes (const std::vector<int64_t> &values)
 {
@@ -87,6 +161,43 @@ std::string join_minutes (const std::vector<int64_t> &values)
         out += std::to_string (v);
     }
     return out;
+}
+
+/* RDATEs, "start" or "start/end" for a period. */
+std::string join_rdates (const EntryRecord &e)
+{
+    std::string out;
+    for (size_t i = 0; i < e.rdates.size (); ++i) {
+        out += (i ? "," : "") + std::to_string (e.rdates[i]);
+        if (i < e.rdate_ends.size () && e.rdate_ends[i] != kNoRecurrenceId) {
+            out += "/" + std::to_string (e.rdate_ends[i]);
+        }
+    }
+    return out;
+}
+
+void split_rdates (const char *text, EntryRecord &e)
+{
+    e.rdates.clear ();
+    e.rdate_ends.clear ();
+    bool periods = false;
+    for (const char *p = text; p && *p;) {
+        char *end = nullptr;
+        e.rdates.push_back (g_ascii_strtoll (p, &end, 10));
+        int64_t period_end = kNoRecurrenceId;
+        if (*end == '/') {
+            period_end = g_ascii_strtoll (end + 1, &end, 10);
+            periods = true;
+        }
+        e.rdate_ends.push_back (period_end);
+        p = *end == ',' ? end + 1 : end;
+        if (p == end && *p) {
+            break;  /* not ours */
+        }
+    }
+    if (!periods) {
+        e.rdate_ends.clear ();
+    }
 }
 
 std::vector<int64_t> split_minutes (const char *text)
@@ -187,6 +298,13 @@ sqlite3_stmt *Store::prepare (const char *sql)
 
 Status Store::error_status (int rc, const std::string &what)
 {
+    Status s = error_status_words (rc, what);
+    s.rc = rc;
+    return s;
+}
+
+Status Store::error_status_words (int rc, const std::string &what)
+{
     const int primary = rc & 0xff;
     std::string detail = what + ": " + sqlite3_errstr (rc);
     switch (primary) {
@@ -234,6 +352,67 @@ Status Store::insert_span (int64_t id, int64_t lo, int64_t hi, const std::string
     return rc == SQLITE_DONE ? Status::success () : error_status (rc, what);
 }
 
+namespace {
+
+/* Why a store could not be opened, in words: a full disk, a read-only
+ * folder and a busy store are not "not a calendar database". */
+Status open_failure (const std::string &path, int rc, const std::string &detail = {})
+{
+    gchar *dir_c = g_path_get_dirname (path.c_str ());
+    const std::string dir = dir_c;
+    g_free (dir_c);
+    const bool exists = g_file_test (path.c_str (), G_FILE_TEST_EXISTS);
+    std::string why;
+    switch (rc & 0xff) {
+    case SQLITE_FULL:
+        return Status::failure (CalendarDiskFullError,
+                                "cannot open the calendar database '" + path + "': the disk is full");
+    case SQLITE_IOERR:
+        why = "the disk is full or cannot be read or written (" + std::string (sqlite3_errstr (rc)) + ")";
+        break;
+    case SQLITE_CANTOPEN:
+    case SQLITE_READONLY:
+    case SQLITE_PERM:
+        if (g_access (dir.c_str (), W_OK) != 0) {
+            why = "the folder '" + dir + "' is read-only" +
+                  (exists ? std::string (", and the calendar needs to write beside its file")
+                          : std::string (", so the calendar cannot be created there"));
+        } else if (exists && g_access (path.c_str (), W_OK) != 0) {
+            why = "the file is read-only";
+        } else {
+            why = sqlite3_errstr (rc);
+        }
+        break;
+    case SQLITE_BUSY:
+    case SQLITE_LOCKED:
+        why = "another program kept it locked for too long";
+        break;
+    case SQLITE_NOTADB:
+    case SQLITE_CORRUPT:
+        return Status::failure (CalendarDefaultError,
+                                "'" + path + "' is not a calendar database (" + sqlite3_errstr (rc) + ")");
+    default:
+        why = detail.empty () ? sqlite3_errstr (rc) : detail;
+    }
+    Status s = Status::failure ((rc & 0xff) == SQLITE_IOERR ? CalendarDiskFullError : CalendarDefaultError,
+                                "cannot open the calendar database '" + path + "': " + why);
+    s.rc = rc;
+    return s;
+}
+
+}  // namespace
+
+Status Store::index_entry (const EntryRecord &e)
+{
+    Status s = step_with_id ("DELETE FROM entry_spans WHERE id = ?", e.id, "indexing '" + e.title + "'");
+    if (!s.ok () || e.kind == EntryKind::Note || e.cancelled || e.undated) {
+        return s;
+    }
+    const int64_t hi = e.kind == EntryKind::Task ? std::max (e.end, civil_day_start (e.start) + 1439)
+                                                 : last_instance_end (e);
+    return insert_span (e.id, e.start, hi, "indexing '" + e.title + "'");
+}
+
 std::unique_ptr<Store> Store::open (const std::string &path, Status *status)
 {
     Status local;
@@ -242,12 +421,13 @@ std::unique_ptr<Store> Store::open (const std::string &path, Status *status)
     int rc = sqlite3_open_v2 (path.c_str (), &db, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX,
                               nullptr);
     if (rc != SQLITE_OK) {
-        st = Status::failure (CalendarDefaultError,
-                              "cannot open the calendar database '" + path + "': " + sqlite3_errstr (rc));
+        st = open_failure (path, rc);
         sqlite3_close_v2 (db);
         return nullptr;
     }
     sqlite3_extended_result_codes (db, 1);
+    /* Another process writing the same store is waited for, not failed. */
+    sqlite3_busy_timeout (db, kBusyTimeoutMs);
     std::unique_ptr<Store> store (new Store (db, path));
 
     /* Look before touching anything: a file that is not ours stays as it is. */
@@ -263,8 +443,7 @@ std::unique_ptr<Store> Store::open (const std::string &path, Status *status)
     }
     sqlite3_finalize (probe);
     if (rc != SQLITE_OK) {
-        st = Status::failure (CalendarDefaultError,
-                              "'" + path + "' is not a calendar database (" + sqlite3_errstr (rc) + ")");
+        st = open_failure (path, rc);
         return nullptr;
     }
     const int version = store->schema_version ();
@@ -279,7 +458,6 @@ std::unique_ptr<Store> Store::open (const std::string &path, Status *status)
         return nullptr;
     }
 
-    sqlite3_busy_timeout (db, 2000);
     store->exec ("PRAGMA journal_mode=WAL");
     store->exec ("PRAGMA synchronous=NORMAL");
     store->exec ("PRAGMA foreign_keys=ON");
@@ -287,12 +465,34 @@ std::unique_ptr<Store> Store::open (const std::string &path, Status *status)
     if (version < kSchemaVersion) {
         Status m = store->migrate (version);
         if (!m.ok ()) {
-            st = m;
+            st = m.code == CalendarDefaultError ? open_failure (path, m.rc, m.message) : m;
             return nullptr;
+        }
+    }
+    /* The zones imported files defined. */
+    sqlite3_stmt *zones = store->prepare ("SELECT definition FROM zones");
+    {
+        StmtUse use (zones);
+        while (zones && sqlite3_step (zones) == SQLITE_ROW) {
+            register_zone (column_text (zones, 0));
         }
     }
     st = Status::success ();
     return store;
+}
+
+bool Store::has_column (const char *table, const char *column)
+{
+    sqlite3_stmt *stmt = nullptr;
+    bool found = false;
+    const std::string sql = std::string ("PRAGMA table_info(") + table + ")";
+    if (sqlite3_prepare_v2 (m_db, sql.c_str (), -1, &stmt, nullptr) == SQLITE_OK) {
+        while (!found && sqlite3_step (stmt) == SQLITE_ROW) {
+            found = column_text (stmt, 1) == column;
+        }
+    }
+    sqlite3_finalize (stmt);
+    return found;
 }
 
 int Store::schema_version ()
@@ -322,6 +522,11 @@ std::string Store::journal_mode ()
 Status Store::migrate (int from_version)
 {
     Transaction tx (*this);
+    /* Another process may have migrated while this one waited for the lock. */
+    from_version = schema_version ();
+    if (from_version >= kSchemaVersion) {
+        return tx.commit ();
+    }
     if (from_version < 1) {
         Status s = exec (kSchemaV1);
         if (!s.ok ()) {
@@ -333,7 +538,19 @@ Status Store::migrate (int from_version)
         if (!s.ok ()) {
             return s;
         }
-        /* Index what version 1 stored. */
+    }
+    if (from_version < 3) {
+        Status s = exec (kSchemaV3);
+        if (!s.ok ()) {
+            return s;
+        }
+        s = exec (kSchemaV4);
+        if (!s.ok ()) {
+            return s;
+        }
+        /* Version 2 kept zoned repeating events in local wall-clock time
+         * with their zone beside: they become instants. Then everything is
+         * indexed anew. */
         std::vector<EntryRecord> all;
         {
             std::string sql = std::string ("SELECT ") + kEntryColumns + " FROM entries e";
@@ -343,13 +560,38 @@ Status Store::migrate (int from_version)
             sqlite3_finalize (stmt);
         }
         for (EntryRecord &e : all) {
-            if (e.kind == EntryKind::Note) {
-                continue;
+            if (e.is_instant ()) {
+                for (int64_t *t : {&e.start, &e.end}) {
+                    *t = utc_from_local (*t);
+                }
+                for (auto *list : {&e.exdates, &e.rdates}) {
+                    for (int64_t &t : *list) {
+                        t = utc_from_local (t);
+                    }
+                }
+                sqlite3_stmt *stmt = prepare ("UPDATE entries SET start = ?, end = ?, exdates = ?, rdates = ? WHERE id = ?");
+                StmtUse use (stmt);
+                sqlite3_bind_int64 (stmt, 1, e.start);
+                sqlite3_bind_int64 (stmt, 2, e.end);
+                bind_text (stmt, 3, join_minutes (e.exdates), true);
+                bind_text (stmt, 4, join_minutes (e.rdates), true);
+                sqlite3_bind_int64 (stmt, 5, e.id);
+                const int rc = sqlite3_step (stmt);
+                if (rc != SQLITE_DONE) {
+                    return error_status (rc, "moving the stored zoned entries to UTC");
+                }
             }
-            s = insert_span (e.id, e.start, last_instance_end (e), "indexing the stored entries");
+            s = index_entry (e);
             if (!s.ok ()) {
                 return s;
             }
+        }
+    }
+    if (from_version == 3 && !has_column ("entries", "undated")) {
+        /* (Some version-3 files of this branch's development have it.) */
+        Status s = exec (kSchemaV4);
+        if (!s.ok ()) {
+            return s;
         }
     }
     char sql[64];
@@ -361,11 +603,15 @@ Status Store::migrate (int from_version)
     return tx.commit ();
 }
 
+/* The outermost transaction takes the write lock at once (BEGIN IMMEDIATE),
+ * so that a second process waits for it instead of failing half-way when
+ * its read turns into a write; inner ones are savepoints. */
 Store::Transaction::Transaction (Store &store) : m_store (store), m_open (false)
 {
+    const int depth = m_store.m_stmts->savepoint_depth;
     char sql[48];
-    snprintf (sql, sizeof sql, "SAVEPOINT tav_%d", m_store.m_stmts->savepoint_depth);
-    m_open = m_store.exec (sql).ok ();
+    snprintf (sql, sizeof sql, "SAVEPOINT tav_%d", depth);
+    m_open = m_store.exec (depth == 0 ? "BEGIN IMMEDIATE" : sql).ok ();
     if (m_open) {
         m_store.m_stmts->savepoint_depth++;
     }
@@ -376,11 +622,10 @@ Store::Transaction::~Transaction ()
     if (!m_open) {
         return;
     }
-    m_store.m_stmts->savepoint_depth--;
+    const int depth = --m_store.m_stmts->savepoint_depth;
     char sql[96];
-    snprintf (sql, sizeof sql, "ROLLBACK TO tav_%d; RELEASE tav_%d", m_store.m_stmts->savepoint_depth,
-              m_store.m_stmts->savepoint_depth);
-    m_store.exec (sql);
+    snprintf (sql, sizeof sql, "ROLLBACK TO tav_%d; RELEASE tav_%d", depth, depth);
+    m_store.exec (depth == 0 ? "ROLLBACK" : sql);
 }
 
 Status Store::Transaction::commit ()
@@ -388,9 +633,10 @@ Status Store::Transaction::commit ()
     if (!m_open) {
         return Status::failure (CalendarDefaultError, "the transaction could not be started");
     }
+    const int depth = m_store.m_stmts->savepoint_depth - 1;
     char sql[48];
-    snprintf (sql, sizeof sql, "RELEASE tav_%d", m_store.m_stmts->savepoint_depth - 1);
-    Status s = m_store.exec (sql);
+    snprintf (sql, sizeof sql, "RELEASE tav_%d", depth);
+    Status s = m_store.exec (depth == 0 ? "COMMIT" : sql);
     if (s.ok ()) {
         m_open = false;
         m_store.m_stmts->savepoint_depth--;
@@ -583,9 +829,20 @@ std::vector<EntryRecord> Store::query_entries (sqlite3_stmt *stmt)
         e.created = sqlite3_column_int64 (stmt, 18);
         e.modified = sqlite3_column_int64 (stmt, 19);
         e.exrule = column_text (stmt, 20);
-        e.rdates = split_minutes (reinterpret_cast<const char *> (sqlite3_column_text (stmt, 21)));
+        split_rdates (reinterpret_cast<const char *> (sqlite3_column_text (stmt, 21)), e);
         e.tzid = column_text (stmt, 22);
         e.extra = column_text (stmt, 23);
+        e.recurrence_id = sqlite3_column_int64 (stmt, 24);
+        e.sequence = sqlite3_column_int (stmt, 25);
+        e.dtstamp = sqlite3_column_int64 (stmt, 26);
+        e.cancelled = sqlite3_column_int (stmt, 27) != 0;
+        e.alarms = column_text (stmt, 28);
+        e.undated = sqlite3_column_int (stmt, 29) != 0;
+        if (e.undated) {
+            /* An undated task is due today, whenever today is. */
+            e.start = civil_day_start (civil_from_time_t (time (nullptr)));
+            e.end = e.start + 1439;
+        }
         out.push_back (std::move (e));
     }
     return out;
@@ -623,6 +880,10 @@ Status Store::check_entry (const EntryRecord &e, bool insert)
     if (e.end < e.start) {
         return Status::failure (CalendarInvalidArg, "the entry ends (" + civil_to_string (e.end) +
                                                         ") before it starts (" + civil_to_string (e.start) + ")");
+    }
+    if (e.start < kLowestMinute || e.end > kHighestMinute) {
+        return Status::failure (CalendarInvalidArg, "'" + e.title + "' falls outside the years 1 to 9999 (" +
+                                                        civil_to_string (e.start) + "), which the store cannot hold");
     }
     if (e.alarm_code < TavCalendarAlarmNone || e.alarm_code > TavCalendarAlarmDayBefore) {
         return Status::failure (CalendarInvalidArg, "unknown alarm code " + std::to_string (e.alarm_code));
@@ -681,12 +942,13 @@ Status Store::write_entry (EntryRecord &e, bool insert)
     sqlite3_stmt *stmt =
         insert ? prepare ("INSERT INTO entries (calendar_id, kind, uid, title, description, location, start, end, "
                           "all_day, alarm_code, alarm_time, repeat_code, rrule, exdates, done, has_birthday, "
-                          "birth_year, created, modified, exrule, rdates, tzid, extra) "
-                          "VALUES (?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?)")
+                          "birth_year, created, modified, exrule, rdates, tzid, extra, recurrence_id, sequence, dtstamp, "
+                          "cancelled, alarms, undated) VALUES (?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?)")
                : prepare ("UPDATE entries SET calendar_id=?, kind=?, uid=?, title=?, description=?, location=?, "
                           "start=?, end=?, all_day=?, alarm_code=?, alarm_time=?, repeat_code=?, rrule=?, "
                           "exdates=?, done=?, has_birthday=?, birth_year=?, created=?, modified=?, exrule=?, "
-                          "rdates=?, tzid=?, extra=? WHERE id=?");
+                          "rdates=?, tzid=?, extra=?, recurrence_id=?, sequence=?, dtstamp=?, cancelled=?, alarms=?, undated=? "
+                          "WHERE id=?");
     {
         StmtUse use (stmt);
         sqlite3_bind_int64 (stmt, 1, stored.calendar_id);
@@ -709,17 +971,24 @@ Status Store::write_entry (EntryRecord &e, bool insert)
         sqlite3_bind_int64 (stmt, 18, stored.created);
         sqlite3_bind_int64 (stmt, 19, stored.modified);
         bind_text (stmt, 20, stored.exrule, true);
-        bind_text (stmt, 21, join_minutes (stored.rdates), true);
+        bind_text (stmt, 21, join_rdates (stored), true);
         bind_text (stmt, 22, stored.tzid, true);
         bind_text (stmt, 23, stored.extra, true);
+        sqlite3_bind_int64 (stmt, 24, stored.recurrence_id);
+        sqlite3_bind_int (stmt, 25, stored.sequence);
+        sqlite3_bind_int64 (stmt, 26, stored.dtstamp);
+        sqlite3_bind_int (stmt, 27, stored.cancelled);
+        bind_text (stmt, 28, stored.alarms, true);
+        sqlite3_bind_int (stmt, 29, stored.undated && stored.kind == EntryKind::Task);
         if (!insert) {
-            sqlite3_bind_int64 (stmt, 24, stored.id);
+            sqlite3_bind_int64 (stmt, 30, stored.id);
         }
         const int rc = sqlite3_step (stmt);
         if (rc != SQLITE_DONE) {
             if ((rc & 0xff) == SQLITE_CONSTRAINT) {
                 return Status::failure (CalendarDuplicateError,
-                                        "the calendar already holds an entry with the UID '" + stored.uid + "'");
+                                        "the calendar already holds an entry with the UID '" + stored.uid + "'" +
+                                            (stored.is_exception () ? " and this RECURRENCE-ID" : ""));
             }
             return error_status (rc, "storing '" + stored.title + "'");
         }
@@ -727,17 +996,9 @@ Status Store::write_entry (EntryRecord &e, bool insert)
     if (insert) {
         stored.id = sqlite3_last_insert_rowid (m_db);
     }
-    s = step_with_id ("DELETE FROM entry_spans WHERE id = ?", stored.id, "indexing '" + stored.title + "'");
+    s = index_entry (stored);
     if (!s.ok ()) {
         return s;
-    }
-    if (stored.kind != EntryKind::Note) {
-        const int64_t hi = stored.kind == EntryKind::Task ? std::max (stored.end, civil_day_start (stored.start) + 1439)
-                                                          : last_instance_end (stored);
-        s = insert_span (stored.id, stored.start, hi, "indexing '" + stored.title + "'");
-        if (!s.ok ()) {
-            return s;
-        }
     }
     s = tx.commit ();
     if (!s.ok ()) {
@@ -767,7 +1028,14 @@ Status Store::delete_entry (int64_t id)
     if (find_calendar (e.calendar_id, &c) && c.read_only) {
         return Status::failure (CalendarInvalidArg, "the calendar '" + c.title + "' is read-only");
     }
-    return step_with_id ("DELETE FROM entries WHERE id = ?", id, "deleting '" + e.title + "'");
+    if (!e.is_exception ()) {
+        /* A series goes with its exceptions. */
+        return delete_series (e.calendar_id, e.uid, nullptr);
+    }
+    /* A moved instance deleted is that instance cancelled: it must not
+     * come back at its old time. */
+    e.cancelled = true;
+    return write_entry (e, false);
 }
 
 bool Store::find_entry (int64_t id, EntryRecord *out)
@@ -776,13 +1044,21 @@ bool Store::find_entry (int64_t id, EntryRecord *out)
     sqlite3_stmt *stmt = prepare (sql.c_str ());
     StmtUse use (stmt);
     sqlite3_bind_int64 (stmt, 1, id);
-    return first_entry (stmt, out);
+    if (!first_entry (stmt, out)) {
+        return false;
+    }
+    if (out) {
+        std::vector<EntryRecord> one (1, *out);
+        fill_overridden (one);
+        *out = std::move (one.front ());
+    }
+    return true;
 }
 
 bool Store::find_entry_by_uid (int64_t calendar_id, const std::string &uid, EntryRecord *out)
 {
     static const std::string sql =
-        std::string ("SELECT ") + kEntryColumns + " FROM entries e WHERE e.calendar_id = ? AND e.uid = ?";
+        std::string ("SELECT ") + kEntryColumns + " FROM entries e WHERE e.calendar_id = ? AND e.uid = ? ORDER BY e.recurrence_id";
     sqlite3_stmt *stmt = prepare (sql.c_str ());
     StmtUse use (stmt);
     sqlite3_bind_int64 (stmt, 1, calendar_id);
@@ -790,20 +1066,103 @@ bool Store::find_entry_by_uid (int64_t calendar_id, const std::string &uid, Entr
     return first_entry (stmt, out);
 }
 
+void Store::fill_overridden (std::vector<EntryRecord> &entries)
+{
+    sqlite3_stmt *stmt = prepare ("SELECT recurrence_id FROM entries WHERE calendar_id = ? AND uid = ? AND "
+                                  "recurrence_id != -9223372036854775808 ORDER BY recurrence_id");
+    for (EntryRecord &e : entries) {
+        if (e.is_exception () || !e.repeats ()) {
+            continue;
+        }
+        StmtUse use (stmt);
+        sqlite3_bind_int64 (stmt, 1, e.calendar_id);
+        bind_text (stmt, 2, e.uid);
+        e.overridden.clear ();
+        while (sqlite3_step (stmt) == SQLITE_ROW) {
+            e.overridden.push_back (sqlite3_column_int64 (stmt, 0));
+        }
+    }
+}
+
 std::vector<EntryRecord> Store::entries_touching (int64_t from, int64_t to, bool visible_only)
 {
+    /* Floating entries are indexed in wall-clock minutes, instants in UTC
+     * minutes: no zone is more than 14 hours from UTC, so the index is
+     * asked for a window that wide and each candidate checked exactly. */
     static const std::string visible_sql =
         std::string ("SELECT ") + kEntryColumns +
         " FROM entry_spans s JOIN entries e ON e.id = s.id JOIN calendars c ON c.id = e.calendar_id"
-        " WHERE s.lo <= ?2 AND s.hi >= ?1 AND c.visible ORDER BY e.start, e.id";
+        " WHERE s.lo <= ?2 AND s.hi >= ?1 AND c.visible AND NOT e.cancelled ORDER BY e.start, e.id";
     static const std::string all_sql = std::string ("SELECT ") + kEntryColumns +
                                        " FROM entry_spans s JOIN entries e ON e.id = s.id"
-                                       " WHERE s.lo <= ?2 AND s.hi >= ?1 ORDER BY e.start, e.id";
+                                       " WHERE s.lo <= ?2 AND s.hi >= ?1 AND NOT e.cancelled ORDER BY e.start, e.id";
+    constexpr int64_t margin = 15 * 60;
     sqlite3_stmt *stmt = prepare (visible_only ? visible_sql.c_str () : all_sql.c_str ());
+    std::vector<EntryRecord> candidates;
+    {
+        StmtUse use (stmt);
+        sqlite3_bind_int (stmt, 1, clamp32 (from == INT64_MIN ? from : from - margin));
+        sqlite3_bind_int (stmt, 2, clamp32 (to == INT64_MAX ? to : to + margin));
+        candidates = query_entries (stmt);
+    }
+    fill_overridden (candidates);
+    std::vector<EntryRecord> out;
+    out.reserve (candidates.size ());
+    for (EntryRecord &e : candidates) {
+        const bool touches = e.kind == EntryKind::Task
+                                 ? e.start <= to && std::max (e.end, civil_day_start (e.start) + 1439) >= from
+                                 : !expand_instances (e, from, to, 1).empty ();
+        if (touches) {
+            out.push_back (std::move (e));
+        }
+    }
+    return out;
+}
+
+bool Store::find_entry_by_key (int64_t calendar_id, const std::string &uid, int64_t recurrence_id, EntryRecord *out)
+{
+    static const std::string sql = std::string ("SELECT ") + kEntryColumns +
+                                   " FROM entries e WHERE e.calendar_id = ? AND e.uid = ? AND e.recurrence_id = ?";
+    sqlite3_stmt *stmt = prepare (sql.c_str ());
     StmtUse use (stmt);
-    sqlite3_bind_int (stmt, 1, clamp32 (from));
-    sqlite3_bind_int (stmt, 2, clamp32 (to));
-    return query_entries (stmt);
+    sqlite3_bind_int64 (stmt, 1, calendar_id);
+    bind_text (stmt, 2, uid);
+    sqlite3_bind_int64 (stmt, 3, recurrence_id);
+    if (!first_entry (stmt, out)) {
+        return false;
+    }
+    if (out) {
+        std::vector<EntryRecord> one (1, *out);
+        fill_overridden (one);
+        *out = std::move (one.front ());
+    }
+    return true;
+}
+
+Status Store::delete_series (int64_t calendar_id, const std::string &uid, int *removed)
+{
+    sqlite3_stmt *stmt = prepare ("DELETE FROM entries WHERE calendar_id = ? AND uid = ?");
+    StmtUse use (stmt);
+    sqlite3_bind_int64 (stmt, 1, calendar_id);
+    bind_text (stmt, 2, uid);
+    const int rc = sqlite3_step (stmt);
+    if (rc != SQLITE_DONE) {
+        return error_status (rc, "removing the series '" + uid + "'");
+    }
+    if (removed) {
+        *removed = sqlite3_changes (m_db);
+    }
+    return Status::success ();
+}
+
+Status Store::save_zone (const std::string &tzid, const std::string &definition)
+{
+    sqlite3_stmt *stmt = prepare ("INSERT OR REPLACE INTO zones (tzid, definition) VALUES (?, ?)");
+    StmtUse use (stmt);
+    bind_text (stmt, 1, tzid);
+    bind_text (stmt, 2, definition);
+    const int rc = sqlite3_step (stmt);
+    return rc == SQLITE_DONE ? Status::success () : error_status (rc, "keeping the time zone '" + tzid + "'");
 }
 
 std::vector<EntryRecord> Store::entries_of_kind (EntryKind kind, bool visible_only)

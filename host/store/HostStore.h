@@ -22,7 +22,7 @@ namespace tav::host {
 class Store {
 public:
     /* The schema this build writes; older files are migrated on open. */
-    static constexpr int kSchemaVersion = 2;
+    static constexpr int kSchemaVersion = 4;
 
     /* Opens (creating when missing) the store at @path. A file that is not
      * a calendar database, or one written by a newer version, is refused
@@ -52,12 +52,23 @@ public:
      * store left as it was before the call. */
     Status add_entry (EntryRecord &entry);
     Status update_entry (EntryRecord &entry);
+    /* Deleting the master of a series deletes its exceptions; deleting an
+     * exception cancels that instance. */
     Status delete_entry (int64_t id);
     bool find_entry (int64_t id, EntryRecord *out);
+    /* The entry with that UID (the master of a series, when it has one). */
     bool find_entry_by_uid (int64_t calendar_id, const std::string &uid, EntryRecord *out);
+    /* The entry with that UID and RECURRENCE-ID (kNoRecurrenceId: the master). */
+    bool find_entry_by_key (int64_t calendar_id, const std::string &uid, int64_t recurrence_id, EntryRecord *out);
+    /* Removes a series and its exceptions; @removed gets their number. */
+    Status delete_series (int64_t calendar_id, const std::string &uid, int *removed);
+    /* Keeps the VTIMEZONE text of a zone an imported file defined; the
+     * store registers the kept zones when it opens. */
+    Status save_zone (const std::string &tzid, const std::string &definition);
 
     /* Events and tasks of the visible calendars (all calendars when
-     * @visible_only is false) that have an instance touching [from, to]. */
+     * @visible_only is false) that have an instance touching [from, to]
+     * (local civil minutes); cancelled exceptions are left out. */
     std::vector<EntryRecord> entries_touching (int64_t from, int64_t to, bool visible_only = true);
     std::vector<EntryRecord> entries_of_kind (EntryKind kind, bool visible_only = true);
     std::vector<EntryRecord> entries_of_calendar (int64_t calendar_id);
@@ -85,9 +96,11 @@ private:
 
     Status exec (const char *sql);
     Status migrate (int from_version);
+    bool has_column (const char *table, const char *column);
     Status write_entry (EntryRecord &entry, bool insert);
     Status check_entry (const EntryRecord &entry, bool insert);
     Status error_status (int rc, const std::string &what);
+    static Status error_status_words (int rc, const std::string &what);
     sqlite3_stmt *prepare (const char *sql);
     std::vector<EntryRecord> query_entries (sqlite3_stmt *stmt);
     /* The first row of an entry query into @out (when given); false when none. */
@@ -97,6 +110,10 @@ private:
     Status step_with_id (const char *sql, int64_t id, const std::string &what);
     /* Indexes entry @id on [lo, hi]. */
     Status insert_span (int64_t id, int64_t lo, int64_t hi, const std::string &what);
+    /* Indexes @e on [start, end of its last instance] in its own frame. */
+    Status index_entry (const EntryRecord &e);
+    /* Fills in the RECURRENCE-IDs of the exceptions of each master. */
+    void fill_overridden (std::vector<EntryRecord> &entries);
 
     sqlite3 *m_db;
     std::string m_path;

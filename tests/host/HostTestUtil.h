@@ -15,20 +15,10 @@
 
 namespace tav::host::test {
 
-/* The shared iCalendar fixtures: TAV_TEST_FIXTURES, or the shared folder
- * next to the checkout (one level further up for a git worktree). */
+/* An iCalendar fixture of the project (tests/data/ics; see SOURCE.md there). */
 inline std::string fixture_path (const std::string &name)
 {
-    std::vector<std::string> roots = {TAV_SOURCE_ROOT "/../shared/fixtures", TAV_SOURCE_ROOT "/../../shared/fixtures"};
-    if (const char *root = g_getenv ("TAV_TEST_FIXTURES")) {
-        roots.insert (roots.begin (), root);
-    }
-    for (const std::string &root : roots) {
-        if (g_file_test ((root + "/ics/" + name).c_str (), G_FILE_TEST_EXISTS)) {
-            return root + "/ics/" + name;
-        }
-    }
-    return roots.front () + "/ics/" + name;
+    return TAV_SOURCE_ROOT "/tests/data/ics/" + name;
 }
 
 /* The file's bytes; empty when it cannot be read. */

@@ -5,6 +5,10 @@
 #include <gdk-pixbuf/gdk-pixbuf.h>
 
 #include <cstring>
+#include <glib/gstdio.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
 #include <set>
 
 using namespace tav::host;
@@ -17,7 +21,7 @@ struct ProgramRun {
     std::string out, err;
 };
 
-ProgramRun run (std::vector<std::string> args)
+ProgramRun run (std::vector<std::string> args, const char *tz = nullptr)
 {
     args.insert (args.begin (), TAV_CALENDAR_BIN);
     std::vector<char *> argv;
@@ -28,8 +32,13 @@ ProgramRun run (std::vector<std::string> args)
     gchar *out = nullptr, *err = nullptr;
     int wait = 0;
     GError *error = nullptr;
-    const bool ran = g_spawn_sync (nullptr, argv.data (), nullptr, G_SPAWN_DEFAULT, nullptr, nullptr, &out, &err, &wait,
+    gchar **env = g_get_environ ();
+    if (tz) {
+        env = g_environ_setenv (env, "TZ", tz, TRUE);
+    }
+    const bool ran = g_spawn_sync (nullptr, argv.data (), env, G_SPAWN_DEFAULT, nullptr, nullptr, &out, &err, &wait,
                                    &error);
+    g_strfreev (env);
     EXPECT_TRUE (ran) << (error ? error->message : "");
     g_clear_error (&error);
     ProgramRun r {ran && WIFEXITED (wait) ? WEXITSTATUS (wait) : -1, out ? out : "", err ? err : ""};
@@ -146,6 +155,11 @@ TEST (HostProgram, BadInputGivesAClearMessageAndStatus)
         {"out of range", {"--db", dir.file ("a.db"), "--date", "2040-01-01", "--screenshot", dir.path ()}, 2, "the years 1970 to 2037"},
         {"unknown view", {"--db", dir.file ("a.db"), "--view", "year", "--screenshot", dir.path ()}, 2, "no such view"},
         {"db and demo", {"--db", dir.file ("a.db"), "--demo"}, 2, "exclude each other"},
+        {"endless device", {"--db", dir.file ("a.db"), "--import", "/dev/zero"}, 1, "'/dev/zero' is not a regular file"},
+        {"list date format", {"--db", dir.file ("a.db"), "--list", "2024-1-01", "2024-01-31"}, 2, "'2024-1-01' is not a date written YYYY-MM-DD"},
+        {"list no such day", {"--db", dir.file ("a.db"), "--list", "2023-02-29", "2024-01-31"}, 2, "there is no day 2023-02-29"},
+        {"list backwards", {"--db", dir.file ("a.db"), "--list", "2024-02-01", "2024-01-31"}, 2, "2024-01-31 comes before 2024-02-01"},
+        {"list of one date", {"--db", dir.file ("a.db"), "--list", "2024-02-01"}, 2, "--list takes two dates"},
     };
     for (const Row &row : rows) {
         ProgramRun r = run (row.args);
@@ -161,4 +175,105 @@ TEST (HostProgram, BadInputGivesAClearMessageAndStatus)
     ASSERT_EQ (store->calendars ().size (), 1u);
     EXPECT_EQ (store->calendars ()[0].title, "Personal");
     EXPECT_EQ (store->count_entries (store->calendars ()[0].id), 0);
+}
+
+TEST (HostProgram, AnITipMailboxImportsInPartAndListsInTheViewersTime)
+{
+    tav::test::TempDir dir;
+    const std::string db = dir.file ("cal.db");
+    ProgramRun imp = run ({"--db", db, "--import", fixture_path ("itip.ics")});
+    EXPECT_EQ (imp.status, 4) << imp.err;
+    EXPECT_TRUE (contains (imp.err, "itip.ics: 2 of 14 components were skipped; the others were stored")) << imp.err;
+    EXPECT_TRUE (contains (imp.out, "CANCEL: 2 components: 2 cancelled\n"
+                                    "COUNTER: 1 components: 1 with nothing to do\n"
+                                    "REPLY: 1 components: 1 attendee replies\n"
+                                    "REQUEST: 10 components: 6 added, 2 unchanged, 2 skipped\n"
+                                    "skipped line 98: DTSTART '20240230T100000Z': there is no day 30 in that month\n"
+                                    "skipped line 101: the event has no DTSTART\n")) << imp.out;
+
+    /* The series in its own zone (EXDATE, a moved and a cancelled instance,
+     * daylight saving on March 31), a floating lunch, an all-day series
+     * whose UNTIL is a date; the newer SEQUENCE of the review. */
+    const std::string utc = "2024-03-01\t2024-03-01\tConference\n2024-03-02\t2024-03-02\tConference\n"
+                            "2024-03-03\t2024-03-03\tConference\n2024-03-04\t2024-03-04\tConference\n"
+                            "2024-03-05\t2024-03-05\tConference\n"
+                            "2024-03-14 09:00\t2024-03-14 10:00\tTeam meeting\n"
+                            "2024-03-15 12:00\t2024-03-15 12:00\tLunch without UID\n"
+                            "2024-03-20 15:00\t2024-03-20 16:00\tReview v2\n"
+                            "2024-03-28 09:00\t2024-03-28 10:00\tTeam meeting\n"
+                            "2024-04-05 12:00\t2024-04-05 13:00\tTeam meeting (moved)\n"
+                            "2024-04-18 08:00\t2024-04-18 09:00\tTeam meeting\n";
+    ProgramRun list = run ({"--db", db, "--list", "2024-03-01", "2024-04-30"}, "UTC");
+    EXPECT_EQ (list.status, 0) << list.err;
+    EXPECT_EQ (list.out, utc);
+    /* In New York the zoned ones move, floating and all-day ones stay. */
+    ProgramRun ny = run ({"--db", db, "--list", "2024-03-14", "2024-03-20"}, "America/New_York");
+    EXPECT_EQ (ny.out, "2024-03-14 05:00\t2024-03-14 06:00\tTeam meeting\n"
+                       "2024-03-15 12:00\t2024-03-15 12:00\tLunch without UID\n"
+                       "2024-03-20 11:00\t2024-03-20 12:00\tReview v2\n");
+
+    /* The export keeps the zone, the series with its exceptions, both
+     * alarms and the replied status; imported again it lists the same. */
+    ProgramRun exp = run ({"--db", db, "--export", dir.file ("out.ics")}, "Europe/Berlin");
+    ASSERT_EQ (exp.status, 0) << exp.err;
+    const std::string text = read_file (dir.file ("out.ics"));
+    for (const char *kept : {"TZID:Example/Tavland\r\n", "RECURRENCE-ID;TZID=Example/Tavland:20240404T100000\r\n",
+                             "TRIGGER:-PT15M\r\n", "TRIGGER:-PT1H\r\n", "ATTENDEE;PARTSTAT=ACCEPTED:mailto:ann@example.org",
+                             "DTSTART;TZID=Example/Tavland:20240314T100000\r\n"}) {
+        EXPECT_TRUE (contains (text, kept)) << kept;
+    }
+    EXPECT_FALSE (contains (text, "must not win"));
+    ProgramRun again = run ({"--db", dir.file ("again.db"), "--import", dir.file ("out.ics")}, "Asia/Tokyo");
+    EXPECT_EQ (again.status, 0) << again.err;
+    EXPECT_EQ (run ({"--db", dir.file ("again.db"), "--list", "2024-03-01", "2024-04-30"}, "UTC").out, utc);
+}
+
+TEST (HostProgram, ExportWritesThroughALinkAndTwoImportsShareTheStore)
+{
+    tav::test::TempDir dir;
+    const std::string db = dir.file ("cal.db");
+    ASSERT_EQ (symlink ("real.ics", dir.file ("link.ics").c_str ()), 0);
+    ProgramRun exp = run ({"--db", db, "--export", dir.file ("link.ics")});
+    EXPECT_EQ (exp.status, 0) << exp.err;
+    EXPECT_TRUE (g_file_test (dir.file ("link.ics").c_str (), G_FILE_TEST_IS_SYMLINK));
+    EXPECT_TRUE (contains (read_file (dir.file ("real.ics")), "BEGIN:VCALENDAR"));
+
+    /* Two processes import into one store at once: both wait their turn. */
+    for (const char *name : {"a", "b"}) {
+        std::string ics = "BEGIN:VCALENDAR\r\nVERSION:2.0\r\n";
+        for (int i = 0; i < 3000; ++i) {
+            ics += "BEGIN:VEVENT\r\nUID:" + std::string (name) + std::to_string (i) +
+                   "\r\nDTSTART:20240601T100000Z\r\nSUMMARY:x\r\nEND:VEVENT\r\n";
+        }
+        ics += "END:VCALENDAR\r\n";
+        ASSERT_TRUE (g_file_set_contents (dir.file (std::string (name) + ".ics").c_str (), ics.data (), ics.size (), nullptr));
+    }
+    GPid pids[2];
+    for (int i = 0; i < 2; ++i) {
+        std::string file = dir.file (i ? "b.ics" : "a.ics");
+        std::string bin = TAV_CALENDAR_BIN, db_arg = "--db", imp = "--import";
+        char *argv[] = {bin.data (), db_arg.data (), const_cast<char *> (db.c_str ()), imp.data (), file.data (), nullptr};
+        ASSERT_TRUE (g_spawn_async (nullptr, argv, nullptr, GSpawnFlags (G_SPAWN_DO_NOT_REAP_CHILD | G_SPAWN_STDOUT_TO_DEV_NULL),
+                                    nullptr, nullptr, &pids[i], nullptr));
+    }
+    for (GPid pid : pids) {
+        int wait = 0;
+        ASSERT_EQ (waitpid (pid, &wait, 0), pid);
+        EXPECT_TRUE (WIFEXITED (wait) && WEXITSTATUS (wait) == 0) << "an import failed beside the other";
+    }
+    Status st;
+    auto store = Store::open (db, &st);
+    ASSERT_TRUE (store) << st.message;
+    EXPECT_EQ (store->count_entries (store->calendars ()[0].id), 6000);
+
+    /* A store in a folder nobody may write says so (root writes anywhere). */
+    if (geteuid () == 0) {
+        return;
+    }
+    const std::string ro = dir.file ("ro");
+    ASSERT_EQ (g_mkdir (ro.c_str (), 0555), 0);
+    ProgramRun locked = run ({"--db", ro + "/cal.db", "--list", "2024-01-01", "2024-01-02"});
+    EXPECT_EQ (locked.status, 2);
+    EXPECT_TRUE (contains (locked.err, "the folder '" + ro + "' is read-only")) << locked.err;
+    g_chmod (ro.c_str (), 0755);
 }

@@ -14,6 +14,7 @@ TEST (HostRecurrence, EveryRuleOfTheRecurrenceSuiteExpandsToItsExpectedCount)
     StoreFixture f;
     ImportResult r = import_ics_file (*f.store, f.calendar, fixture_path ("recur.txt"));
     ASSERT_TRUE (r.status.ok ()) << r.status.message;
+    EXPECT_EQ (r.counts.unchanged, 3);
     const std::string key = "X-EXPECT-NUMEVENTS:";
     int checked = 0;
     for (const EntryRecord &e : f.store->entries_of_calendar (f.calendar)) {
@@ -24,7 +25,7 @@ TEST (HostRecurrence, EveryRuleOfTheRecurrenceSuiteExpandsToItsExpectedCount)
             << e.description << " / " << e.rrule;
         ++checked;
     }
-    EXPECT_EQ (checked, 57);
+    EXPECT_EQ (checked, 54) << "57 rules, 3 of them the very same component twice";
 }
 
 namespace {
@@ -96,8 +97,9 @@ TEST (HostRecurrence, CountedOutSimpleRulesMatchLibical)
         e.end = e.start + pick (3000);
         const std::string freq = freqs[pick (4)];
         e.rrule = "FREQ=" + freq;
-        if (pick (2)) {
-            e.rrule += ";INTERVAL=" + std::to_string (1 + pick (4));
+        const int interval = pick (2) ? 1 + pick (4) : 1;
+        if (interval > 1) {
+            e.rrule += ";INTERVAL=" + std::to_string (interval);
         }
         if (freq == "WEEKLY" && pick (2)) {
             std::string list = days[(civil_weekday (e.start) + 6) % 7];
@@ -106,7 +108,9 @@ TEST (HostRecurrence, CountedOutSimpleRulesMatchLibical)
                     list += std::string (",") + d;
                 }
             }
-            e.rrule += ";BYDAY=" + list + (pick (2) ? std::string (";WKST=") + days[pick (7)] : "");
+            /* libical 3.0 skips weeks wrongly when they do not start on
+             * Monday; those rules are checked against the reference only. */
+            e.rrule += ";BYDAY=" + list + (pick (2) && interval == 1 ? std::string (";WKST=") + days[pick (7)] : "");
         }
         const int bound = pick (3);
         if (bound == 0) {
@@ -168,6 +172,47 @@ TEST (HostRecurrence, ExceptionsAndExtraDates)
     e.end = e.start + 2 * kMinutesPerDay;
     EXPECT_EQ (expand_instances (e, at (2024, 5, 11), at (2024, 5, 11, 23, 59)).size (), 2u);
     EXPECT_EQ (last_instance_end (e), at (2024, 5, 22, 14));
+}
+
+TEST (HostRecurrence, RulesLibicalGetsWrongAreCountedOut)
+{
+    auto days = [] (const EntryRecord &e) {
+        std::string got;
+        for (int64_t s : expand_instances (e, INT64_MIN, kUnbounded)) {
+            got += civil_to_string (s).substr (5, 5) + " ";
+        }
+        return got;
+    };
+    struct Row {
+        const char *rrule;
+        int64_t start;
+        bool all_day;
+        const char *expected;
+    } rows[] = {
+        /* Weeks begin on Friday: the first week holds Thursday the 11th only. */
+        {"FREQ=WEEKLY;INTERVAL=2;BYDAY=TH,SU;WKST=FR;COUNT=6", at (2024, 1, 11, 9), false,
+         "01-11 01-21 01-25 02-04 02-08 02-18 "},
+        {"FREQ=WEEKLY;INTERVAL=2;BYDAY=TH,SU;WKST=MO;COUNT=6", at (2024, 1, 11, 9), false,
+         "01-11 01-14 01-25 01-28 02-08 02-11 "},
+        /* An all-day series keeps the day its UNTIL date names. */
+        {"FREQ=DAILY;UNTIL=20240305", at (2024, 3, 1), true, "03-01 03-02 03-03 03-04 03-05 "},
+        {"FREQ=WEEKLY;BYDAY=FR,MO;UNTIL=20240311", at (2024, 3, 1), true, "03-01 03-04 03-08 03-11 "},
+    };
+    for (const Row &row : rows) {
+        EntryRecord e;
+        e.start = row.start;
+        e.all_day = row.all_day;
+        e.end = e.start + (row.all_day ? 1439 : 60);
+        e.rrule = row.rrule;
+        EXPECT_EQ (days (e), row.expected) << row.rrule;
+    }
+    /* The instance an exception of the series replaces is left out. */
+    EntryRecord e;
+    e.start = at (2024, 3, 1, 9);
+    e.end = e.start + 60;
+    e.rrule = "FREQ=DAILY;COUNT=3";
+    e.overridden = {at (2024, 3, 2, 9)};
+    EXPECT_EQ (days (e), "03-01 03-03 ");
 }
 
 TEST (HostRecurrence, SimpleRepeatCodesMapToRulesAndBack)

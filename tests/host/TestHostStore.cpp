@@ -1,6 +1,7 @@
 /* The SQLite calendar store: CRUD with error codes, interval queries,
  * persistence, migrations, refusing foreign files, a full disk. */
 #include "HostIcs.h"
+#include "HostRecurrence.h"
 #include "HostTestUtil.h"
 
 #include <sqlite3.h>
@@ -164,7 +165,7 @@ TEST (HostStore, IntervalQueryFindsWhatTouchesTheWindow)
          "count-reaching-may,inside,spans-in,weekly-since-2010"},
         {"May 2024, all calendars", at (2024, 5, 1), at (2024, 5, 31, 23, 59), false,
          "count-reaching-may,hidden-inside,inside,spans-in,weekly-since-2010"},
-        {"a day of 2019", at (2019, 6, 1), at (2019, 6, 1, 23, 59), true, "daily-ended-2020,weekly-since-2010"},
+        {"a Saturday of 2019", at (2019, 6, 1), at (2019, 6, 1, 23, 59), true, "daily-ended-2020"},
         {"outside the UI range, 1901", at (1901, 5, 1), at (1901, 5, 31), true, "year-1901"},
         {"outside the UI range, 2100", at (2100, 5, 1), at (2100, 5, 31), true, "weekly-since-2010,year-2100"},
         {"2009", at (2009, 1, 1), at (2009, 12, 31), true, ""},
@@ -195,7 +196,36 @@ TEST (HostStore, DeletingOrMovingAnEntryUpdatesTheIndex)
     EXPECT_EQ (f.store->count_entries (f.calendar), 0);
 }
 
-TEST (HostStore, VersionOneFileIsMigratedWithItsData)
+TEST (HostStore, ASeriesKeepsItsExceptions)
+{
+    StoreFixture f;
+    EntryRecord series = f.event ("weekly", at (2024, 5, 6, 9), at (2024, 5, 6, 10), "FREQ=WEEKLY;COUNT=3");
+    series.uid = "s";
+    EntryRecord moved = f.event ("moved", at (2024, 5, 14, 15), at (2024, 5, 14, 16));
+    moved.uid = "s";
+    moved.recurrence_id = at (2024, 5, 13, 9);
+    ASSERT_TRUE (f.store->add_entry (series).ok ());
+    ASSERT_TRUE (f.store->add_entry (moved).ok ());
+    EntryRecord twice = moved;
+    EXPECT_EQ (f.store->add_entry (twice).code, CalendarDuplicateError);
+    auto listed = [&] {
+        std::string out;
+        for (const EntryRecord &e : f.store->entries_touching (at (2024, 5, 1), at (2024, 5, 31))) {
+            for (int64_t s : expand_instances (e, at (2024, 5, 1), at (2024, 5, 31))) {
+                out += e.title + " " + civil_to_string (s).substr (5) + "; ";
+            }
+        }
+        return out;
+    };
+    EXPECT_EQ (listed (), "weekly 05-06 09:00; weekly 05-20 09:00; moved 05-14 15:00; ");
+    /* The moved instance deleted stays away; the series deleted takes it along. */
+    ASSERT_TRUE (f.store->delete_entry (moved.id).ok ());
+    EXPECT_EQ (listed (), "weekly 05-06 09:00; weekly 05-20 09:00; ");
+    ASSERT_TRUE (f.store->delete_entry (series.id).ok ());
+    EXPECT_EQ (f.store->count_entries (f.calendar), 0);
+}
+
+TEST (HostStore, OlderFilesAreMigratedWithTheirData)
 {
     tav::test::TempDir dir;
     const std::string path = dir.file ("old.db");
@@ -226,6 +256,30 @@ TEST (HostStore, VersionOneFileIsMigratedWithItsData)
     EXPECT_EQ (store->schema_version (), Store::kSchemaVersion);
     EXPECT_EQ (titles (store->entries_touching (at (2024, 3, 1), at (2024, 3, 31))), "once,yearly");
     EXPECT_EQ (titles (store->entries_touching (at (2030, 3, 1), at (2030, 3, 31))), "yearly");
+
+    /* Version 2 kept a zoned series in local time beside its zone: it
+     * becomes an instant, still at the same local time. */
+    g_setenv ("TZ", "Europe/Berlin", TRUE);
+    tzset ();
+    const std::string v2 = dir.file ("v2.db");
+    ASSERT_EQ (sqlite3_open (v2.c_str (), &db), SQLITE_OK);
+    const std::string upgrade = sql.substr (0, sql.find ("INSERT")) +
+        "ALTER TABLE entries ADD COLUMN exrule TEXT; ALTER TABLE entries ADD COLUMN rdates TEXT;"
+        "ALTER TABLE entries ADD COLUMN tzid TEXT; ALTER TABLE entries ADD COLUMN extra TEXT;"
+        "CREATE VIRTUAL TABLE entry_spans USING rtree_i32 (id, lo, hi); INSERT INTO calendars (id, title) VALUES (1, 'Old');"
+        "INSERT INTO entries (calendar_id, kind, uid, title, start, end, rrule, tzid) VALUES (1, 0, 'z', 'zoned', " +
+        std::to_string (at (2024, 1, 8, 9)) + ", " + std::to_string (at (2024, 1, 8, 10)) +
+        ", 'FREQ=WEEKLY', 'Europe/Berlin'); PRAGMA user_version=2;";
+    ASSERT_EQ (sqlite3_exec (db, upgrade.c_str (), nullptr, nullptr, nullptr), SQLITE_OK);
+    sqlite3_close (db);
+    store = Store::open (v2, &st);
+    ASSERT_TRUE (store) << st.message;
+    EntryRecord zoned;
+    ASSERT_TRUE (store->find_entry_by_uid (1, "z", &zoned));
+    EXPECT_EQ (civil_to_string (zoned.start), "2024-01-08 08:00") << "09:00 in Berlin is 08:00 UTC";
+    EXPECT_EQ (expand_instances (zoned, at (2024, 7, 1), at (2024, 7, 1, 23, 59)), std::vector<int64_t> {at (2024, 7, 1, 9)});
+    g_setenv ("TZ", "UTC", TRUE);
+    tzset ();
 }
 
 TEST (HostStore, FilesThatAreNotOursAreRefusedUntouched)
