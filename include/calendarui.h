@@ -19,5 +19,11 @@
 #include "calendarui/TavCalendar.h"
 #include "calendarui/TavWeekView.h"
 #include "calendarui/TavHomeApplet.h"
+#include "calendarui/TavWidgetBinding.h"
+#include "calendarui/TavCalendarDialog.h"
+#include "calendarui/TavCalendarButton.h"
+#include "calendarui/TavCalendarEventWindow.h"
+#include "calendarui/TavCalendarTaskWindow.h"
+#include "calendarui/TavCalendarNoteWindow.h"
 
 #endif /* CALENDARUI_H */

@@ -5,6 +5,7 @@
  *   tav-calendar --export FILE.ics
  *   tav-calendar --screenshot DIR
  *   tav-calendar --applet [--db PATH | --demo]
+ *   tav-calendar --new-event [--date YYYY-MM-DD] | --edit-event UID
  *
  * Exit status: 0 success, 1 an import or export failed, 2 bad arguments or
  * a store that cannot be opened, 3 no display for the window.
@@ -13,6 +14,7 @@
 #include "HostCalendarSet.h"
 #include "HostCivilTime.h"
 #include "HostDemo.h"
+#include "HostEditor.h"
 #include "HostWindow.h"
 #include "HostIcs.h"
 
@@ -42,6 +44,8 @@ struct Options {
     char *view = nullptr;
     char *date = nullptr;
     char *screenshot = nullptr;
+    char *edit_event = nullptr;
+    gboolean new_event = FALSE;
     gboolean demo = FALSE;
     gboolean open = FALSE;
     gboolean applet = FALSE;
@@ -54,6 +58,7 @@ struct Options {
         g_free (view);
         g_free (date);
         g_free (screenshot);
+        g_free (edit_event);
     }
 };
 
@@ -141,6 +146,8 @@ int main (int argc, char **argv)
         {"date", 0, 0, G_OPTION_ARG_STRING, &opt.date, "The day to show", "YYYY-MM-DD"},
         {"screenshot", 0, 0, G_OPTION_ARG_FILENAME, &opt.screenshot, "Render each view at 800x480 to DIR/<view>.png and exit", "DIR"},
         {"applet", 0, 0, G_OPTION_ARG_NONE, &opt.applet, "Show the home-screen applet instead of the calendar", nullptr},
+        {"new-event", 0, 0, G_OPTION_ARG_NONE, &opt.new_event, "Open the event editor for a new event (on --date), then exit", nullptr},
+        {"edit-event", 0, 0, G_OPTION_ARG_STRING, &opt.edit_event, "Open the event editor for the stored event UID, then exit", "UID"},
         {nullptr, 0, 0, G_OPTION_ARG_NONE, nullptr, nullptr, nullptr},
     };
     GOptionContext *context = g_option_context_new ("- the calendar");
@@ -160,6 +167,16 @@ int main (int argc, char **argv)
     }
     if (opt.db && opt.demo) {
         fprintf (stderr, "tav-calendar: --db and --demo exclude each other\n");
+        return 2;
+    }
+
+    if (opt.new_event && opt.edit_event) {
+        fprintf (stderr, "tav-calendar: --new-event and --edit-event exclude each other\n");
+        return 2;
+    }
+    const bool editor = opt.new_event || opt.edit_event;
+    if (editor && (opt.screenshot || opt.imports || opt.export_path || opt.view)) {
+        fprintf (stderr, "tav-calendar: the event editor opens on its own, without --screenshot, --import, --export or --view\n");
         return 2;
     }
 
@@ -296,9 +313,27 @@ int main (int argc, char **argv)
             app.focus = focus;
             int shot = render_views (app, opt.screenshot);
             shot = shot ? shot : render_applet (app, opt.screenshot);
+            if (shot == 0) {
+                shot = render_editors (*app.calendars, focus, opt.screenshot);
+            }
             status = status ? status : shot;
         } else if (opt.applet) {
             run_applet (app);
+        } else if (editor) {
+            TavCalendarEntry *entry = nullptr;
+            if (opt.edit_event) {
+                entry = find_event (*app.calendars, opt.edit_event);
+                if (!entry) {
+                    fprintf (stderr, "tav-calendar: --edit-event %s: no stored event has that UID\n", opt.edit_event);
+                    status = 2;
+                }
+            }
+            if (status == 0) {
+                status = run_event_editor (*app.calendars, opt.date ? &focus : nullptr, entry);
+            }
+            if (entry) {
+                g_object_unref (entry);
+            }
         } else {
             app.build (false);
             gtk_widget_show_all (app.window);
