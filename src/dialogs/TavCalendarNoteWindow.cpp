@@ -317,6 +317,8 @@ build_window (TavCalendarNoteWindow *window)
     priv->save_button = tav_calendar_dialog_add_button (dialog, TAV_KIVO ("wdgt_bd_save"));
     gtk_widget_set_name (priv->save_button, "save-button");
     gtk_widget_set_sensitive (priv->delete_button, FALSE);
+    /* Nothing can be stored until a writable calendar is offered. */
+    gtk_widget_set_sensitive (priv->save_button, FALSE);
     g_signal_connect (priv->save_button, "clicked", G_CALLBACK (on_save_clicked_cb), window);
     g_signal_connect (priv->delete_button, "clicked", G_CALLBACK (on_delete_clicked_cb), window);
 }
@@ -463,6 +465,7 @@ tav_calendar_note_window_add_source (TavCalendarNoteWindow *window, TavCalendarS
     TavCalendarButton *button = TAV_CALENDAR_BUTTON (window->priv->calendar_button);
     if (tav_calendar_button_add_calendar (button, source))
         tav_calendar_button_set_selected_calendar (button, source);
+    gtk_widget_set_sensitive (window->priv->save_button, tav_calendar_button_get_calendar_count (button) > 0);
 }
 
 void

@@ -484,6 +484,8 @@ build_window (TavCalendarTaskWindow *window)
     gtk_widget_set_name (priv->save_button, "save-button");
     /* A new task has nothing to delete yet. */
     gtk_widget_set_sensitive (priv->delete_button, FALSE);
+    /* Nothing can be stored until a writable calendar is offered. */
+    gtk_widget_set_sensitive (priv->save_button, FALSE);
 
     g_signal_connect (priv->date_button, "value-changed", G_CALLBACK (on_date_changed_cb), window);
     g_signal_connect (priv->alarm_button, "value-changed", G_CALLBACK (on_alarm_changed_cb), window);
@@ -632,6 +634,7 @@ tav_calendar_task_window_add_source (TavCalendarTaskWindow *window, TavCalendarS
     TavCalendarButton *button = TAV_CALENDAR_BUTTON (window->priv->calendar_button);
     if (tav_calendar_button_add_calendar (button, source))
         tav_calendar_button_set_selected_calendar (button, source);
+    gtk_widget_set_sensitive (window->priv->save_button, tav_calendar_button_get_calendar_count (button) > 0);
 }
 
 void
