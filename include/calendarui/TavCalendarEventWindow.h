@@ -28,7 +28,9 @@
  * Signals (run last; void (*) (TavCalendarEventWindow *window,
  * TavCalendarEntry *entry, gpointer user_data)):
  *   "entry-created"   a new entry was stored in its calendar (also the new
- *                     copy of a moved entry);
+ *                     copy of a moved entry, which carries the old entry's
+ *                     "num-id" into create_entry so that the calendar can
+ *                     keep what the fields cannot express);
  *   "entry-saved"     an edited entry was saved in place, or its calendar
  *                     answered that the entry already existed and stored
  *                     it over the old one;
@@ -54,11 +56,13 @@
  * - An entry whose repetition is more than the picker can express (a
  *   complex rule) asks before its repetition or last date is changed; a new
  *   choice replaces the complex rule.
- * - The alarm picker offers only alarms that would still ring in the future.
- *   A timed event has alarms 0, 5, 15 and 30 minutes, 1 and 3 hours and a
- *   day before its start; an all-day event has "none" or the day before at
- *   the alarm time (12:00 unless changed), never earlier than an hour from
- *   now.
+ * - The alarm picker offers only alarms that would still ring in the future
+ *   (a repeating event offers them all: it rings again). A timed event has
+ *   alarms 0, 5, 15 and 30 minutes, 1 and 3 hours and a day before its
+ *   start; an all-day event has "none" or the day before at the alarm time
+ *   (12:00 unless changed; on the day itself never earlier than an hour from
+ *   now). An alarm an edited entry already has is shown even when it lies
+ *   in the past; Save then removes it and says so, for a single event.
  * - Titles and locations keep at most 256 characters, descriptions 16000.
  *   A title of only white space counts as no title: Save then asks for one.
  */
@@ -116,9 +120,9 @@ TAV_API void tav_calendar_event_window_add_source  (TavCalendarEventWindow *wind
  * new event the first visible one. */
 TAV_API void tav_calendar_event_window_add_sources (TavCalendarEventWindow *window, GList *sources);
 
-/* Presets for a new event. The date moves the whole event to @date keeping
- * its length; the times set the start and the end on their own (an end
- * before the start is corrected as if the user had chosen it). */
+/* Presets for a new event. The date and the start time move the event
+ * keeping its length; the end time puts the end on the start's day at
+ * @time (an end before the start becomes an hour after it, silently). */
 TAV_API void tav_calendar_event_window_set_selected_date       (TavCalendarEventWindow *window, const TavDate *date);
 TAV_API void tav_calendar_event_window_set_selected_start_time (TavCalendarEventWindow *window, const TavTime *time);
 TAV_API void tav_calendar_event_window_set_selected_end_time   (TavCalendarEventWindow *window, const TavTime *time);

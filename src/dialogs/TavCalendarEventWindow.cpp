@@ -340,15 +340,17 @@ start_changed (TavCalendarEventWindow *window, const TavTimestamp &new_start)
     show_dates (window);
 }
 
-/* An end on the start's date before the start time is put right. */
+/* An end on the start's date before the start time is put right; the user
+ * is told why (@tell) unless the host's presets caused it. */
 static void
-correct_end_time (TavCalendarEventWindow *window)
+correct_end_time (TavCalendarEventWindow *window, bool tell = true)
 {
     TavCalendarEventWindowPrivate *priv = window->priv;
     if (!priv->all_day && tav_date_compare (&priv->start_date, &priv->end_date) == 0
         && tav_time_compare (&priv->end_time, &priv->start_time) < 0) {
         priv->end_time = editor::corrected_end_time (priv->start_time);
-        banner (window, TAV_CAL ("cal_ib_time_earlier"));
+        if (tell)
+            banner (window, TAV_CAL ("cal_ib_time_earlier"));
     }
 }
 
@@ -585,15 +587,21 @@ description_text (TavCalendarEventWindow *window)
 }
 
 /* A new entry with the window's fields, stored in the chosen calendar.
- * Returns it (one reference) when the calendar accepted it. */
+ * Returns it (one reference) when the calendar accepted it. For a move,
+ * @moving is the entry that leaves its calendar: the copy carries its ID,
+ * so that a calendar can keep what the fields cannot say (a complex rule,
+ * exceptions, the entry's identity elsewhere). */
 static TavCalendarEntry *
-create_new_entry (TavCalendarEventWindow *window)
+create_new_entry (TavCalendarEventWindow *window, TavCalendarEntry *moving = nullptr)
 {
     TavCalendarEventWindowPrivate *priv = window->priv;
     TavCalendarSource *source =
         tav_calendar_button_get_selected_calendar (TAV_CALENDAR_BUTTON (priv->calendar_button));
     if (!source) {
         TAV_WARNING ("No calendar source, can not create entry.");
+        /* Only read-only calendars (or none) were given: say so rather
+         * than close without a word. */
+        editor::report_error (TAV_CALENDAR_DIALOG (window), CalendarDefaultError);
         return nullptr;
     }
     const std::string title = stripped (gtk_entry_get_text (GTK_ENTRY (priv->title_entry)));
@@ -607,6 +615,12 @@ create_new_entry (TavCalendarEventWindow *window)
                   "start-time", &start_time, "end-time", &end_time, "end-date", &priv->end_date,
                   "end-repetition-date", &priv->until, "repeat-code", priv->repeat_code, "alarm-code",
                   priv->alarm_code, "alarm-time", &priv->alarm_time, "show-until", TRUE, NULL);
+    if (moving) {
+        char *id = nullptr;
+        g_object_get (moving, "num-id", &id, NULL);
+        g_object_set (entry.get (), "num-id", id, "has-rrule", priv->repeat_code == TavCalendarRepeatsComplex, NULL);
+        g_free (id);
+    }
     const int error = tav_calendar_source_create_entry (source, entry.get ());
     TAV_MESSAGE ("The error is %d", error);
     if (error == CalendarNoError) {
@@ -628,7 +642,7 @@ static void
 move_entry (TavCalendarEventWindow *window)
 {
     TavCalendarEventWindowPrivate *priv = window->priv;
-    GRefPtr<TavCalendarEntry> created = tav::adoptGRef (create_new_entry (window));
+    GRefPtr<TavCalendarEntry> created = tav::adoptGRef (create_new_entry (window, priv->entry.get ()));
     if (!created) {
         TAV_WARNING ("Unable to proceed with move operation!");
         return;
@@ -802,8 +816,14 @@ reset_window_from_event (TavCalendarEventWindow *window)
     } else {
         kivo_entry_set_text (KIVO_ENTRY (priv->title_entry), title ? title : "");
     }
-    kivo_entry_set_text (KIVO_ENTRY (priv->location_entry),
-                         location && g_utf8_validate (location, -1, nullptr) ? location : "");
+    /* The location is stored unchecked: show what can be shown of it
+     * rather than nothing. */
+    if (location && !g_utf8_validate (location, -1, nullptr)) {
+        TAV_WARNING ("Invalid UTF-8 string received for location.");
+        location_holder.reset (g_utf8_make_valid (location, -1));
+        location = location_holder.get ();
+    }
+    kivo_entry_set_text (KIVO_ENTRY (priv->location_entry), location ? location : "");
     tav_kivo_text_view_set_text (KIVO_TEXT_VIEW (priv->description_view),
                                  description && g_utf8_validate (description, -1, nullptr) ? description : "");
     gtk_toggle_button_set_active (GTK_TOGGLE_BUTTON (priv->all_day_button), priv->all_day);
@@ -1087,13 +1107,8 @@ tav_calendar_event_window_set_selected_start_time (TavCalendarEventWindow *windo
 {
     g_return_if_fail (TAV_IS_CALENDAR_EVENT_WINDOW (window));
     g_return_if_fail (time != NULL && time->hour >= 0 && time->hour <= 23 && time->minute >= 0 && time->minute <= 59);
-    TavCalendarEventWindowPrivate *priv = window->priv;
-    Updating guard (priv);
-    priv->start_time = *time;
-    correct_end_time (window);
-    rebuild_repeat_rows (window);
-    rebuild_alarm_rows (window);
-    show_dates (window);
+    Updating guard (window->priv);
+    start_changed (window, TavTimestamp {window->priv->start_date, *time});
 }
 
 void
@@ -1103,8 +1118,9 @@ tav_calendar_event_window_set_selected_end_time (TavCalendarEventWindow *window,
     g_return_if_fail (time != NULL && time->hour >= 0 && time->hour <= 23 && time->minute >= 0 && time->minute <= 59);
     TavCalendarEventWindowPrivate *priv = window->priv;
     Updating guard (priv);
+    priv->end_date = priv->start_date;
     priv->end_time = *time;
-    correct_end_time (window);
+    correct_end_time (window, false);
     rebuild_repeat_rows (window);
     show_dates (window);
 }

@@ -174,7 +174,10 @@ TavDate default_until (TavCalendarProcessor *processor, const TavDate &start, in
         tav_calendar_processor_inc_month_by_count (processor, &until, 1);
         break;
     case TavCalendarRepeatsEveryYear:
-        tav_calendar_processor_inc_month_by_count (processor, &until, 12);
+        /* The processor's month stepping turns the year only when the month
+         * number wraps, which twelve months never do: step the year here. */
+        until.year++;
+        until.day = std::min (until.day, tav_calendar_processor_month_length (processor, until.year, until.month));
         break;
     default:
         break;

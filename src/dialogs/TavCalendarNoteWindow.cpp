@@ -124,18 +124,30 @@ note_text (TavCalendarNoteWindow *window)
 /* A new note with the window's text, stored in the chosen calendar; only a
  * plain success counts. Returns it (one reference) when stored. */
 static TavCalendarNote *
-create_new_note (TavCalendarNoteWindow *window)
+create_new_note (TavCalendarNoteWindow *window, TavCalendarEntry *moving = nullptr)
 {
     TavCalendarNoteWindowPrivate *priv = window->priv;
     TavCalendarSource *source =
         tav_calendar_button_get_selected_calendar (TAV_CALENDAR_BUTTON (priv->calendar_button));
     if (!source) {
         TAV_WARNING ("No calendar source, can not create event.");
+        /* Only read-only calendars (or none) were given: say so rather
+         * than close without a word. */
+        editor::report_error (TAV_CALENDAR_DIALOG (window), CalendarDefaultError);
         return nullptr;
     }
     const std::string text = note_text (window);
     GRefPtr<TavCalendarNote> note = tav::adoptGRef (TAV_CALENDAR_NOTE (tav_calendar_note_new ()));
     g_object_set (note.get (), "title", text.c_str (), "description", text.c_str (), NULL);
+    /* The copy of a moved note carries its ID, so that a calendar can keep
+     * what the fields cannot say (its identity elsewhere, for one). */
+    if (moving) {
+        GCharPtr id;
+        char *raw = nullptr;
+        g_object_get (moving, "num-id", &raw, NULL);
+        id.reset (raw);
+        g_object_set (note.get (), "num-id", id.get (), NULL);
+    }
     const int error = tav_calendar_source_create_note (source, TAV_CALENDAR_NOTE (note.get ()));
     if (error == CalendarNoError) {
         g_signal_emit (window, signals[NOTE_CREATED], 0, note.get ());
@@ -188,7 +200,8 @@ static void
 move_note (TavCalendarNoteWindow *window)
 {
     TavCalendarNoteWindowPrivate *priv = window->priv;
-    GRefPtr<TavCalendarNote> created = tav::adoptGRef (create_new_note (window));
+    GRefPtr<TavCalendarNote> created =
+        tav::adoptGRef (create_new_note (window, TAV_CALENDAR_ENTRY (priv->note.get ())));
     if (!created) {
         TAV_WARNING ("Unable to proceed with move operation!");
         return;

@@ -246,13 +246,16 @@ title_text (TavCalendarTaskWindow *window)
 /* A new task with the window's fields, stored in the chosen calendar.
  * Returns it (one reference) when the calendar accepted it. */
 static TavCalendarTask *
-create_new_task (TavCalendarTaskWindow *window)
+create_new_task (TavCalendarTaskWindow *window, TavCalendarEntry *moving = nullptr)
 {
     TavCalendarTaskWindowPrivate *priv = window->priv;
     TavCalendarSource *source =
         tav_calendar_button_get_selected_calendar (TAV_CALENDAR_BUTTON (priv->calendar_button));
     if (!source) {
         TAV_WARNING ("No calendar source, can not create task.");
+        /* Only read-only calendars (or none) were given: say so rather
+         * than close without a word. */
+        editor::report_error (TAV_CALENDAR_DIALOG (window), CalendarDefaultError);
         return nullptr;
     }
     const std::string title = title_text (window);
@@ -260,6 +263,15 @@ create_new_task (TavCalendarTaskWindow *window)
     GRefPtr<TavCalendarTask> task = tav::adoptGRef (TAV_CALENDAR_TASK (g_object_new (TAV_TYPE_CALENDAR_TASK, NULL)));
     g_object_set (task.get (), "title", title.c_str (), "done", done, "alarm-code", priv->alarm_code, "start-date",
                   &priv->due_date, "end-date", &priv->due_date, "alarm-time", &priv->alarm_time, NULL);
+    /* The copy of a moved task carries its ID, so that a calendar can keep
+     * what the fields cannot say (its identity elsewhere, for one). */
+    if (moving) {
+        GCharPtr id;
+        char *raw = nullptr;
+        g_object_get (moving, "num-id", &raw, NULL);
+        id.reset (raw);
+        g_object_set (task.get (), "num-id", id.get (), NULL);
+    }
     const int error = tav_calendar_source_create_task (source, TAV_CALENDAR_TASK (task.get ()));
     if (error == CalendarNoError) {
         g_signal_emit (window, signals[TASK_CREATED], 0, task.get ());
@@ -321,7 +333,8 @@ static void
 move_task (TavCalendarTaskWindow *window)
 {
     TavCalendarTaskWindowPrivate *priv = window->priv;
-    GRefPtr<TavCalendarTask> created = tav::adoptGRef (create_new_task (window));
+    GRefPtr<TavCalendarTask> created =
+        tav::adoptGRef (create_new_task (window, TAV_CALENDAR_ENTRY (priv->task.get ())));
     if (!created) {
         TAV_WARNING ("Unable to proceed with move operation!");
         return;

@@ -110,10 +110,15 @@ bool confirm (TavCalendarDialog *dialog, const char *question)
     const gulong handler = g_signal_connect (dialog, "destroy", G_CALLBACK (+[] (GtkWidget *, gpointer flag) {
         *static_cast<bool *> (flag) = true;
     }), &destroyed);
+    g_object_add_weak_pointer (G_OBJECT (note), reinterpret_cast<gpointer *> (&note));
     const int response = gtk_dialog_run (GTK_DIALOG (note));
     g_signal_handler_disconnect (dialog, handler);
-    if (GTK_IS_WIDGET (note) && tav_calendar_dialog_get_modal_widget_ptr (dialog) == note) {
+    /* The dialog may have been closed under the note (its dispose answers
+     * the note); the note is ours to destroy in every case. */
+    if (tav_calendar_dialog_get_modal_widget_ptr (dialog) == note)
         tav_calendar_dialog_reset_modal_widget_ptr (dialog);
+    if (note) {
+        g_object_remove_weak_pointer (G_OBJECT (note), reinterpret_cast<gpointer *> (&note));
         gtk_widget_destroy (note);
     }
     return response == GTK_RESPONSE_OK && !destroyed;
