@@ -8,7 +8,7 @@ source, target = sys.argv[1], sys.argv[2]
 destdir = os.environ.get('DESTDIR', '')
 if destdir:
     target = destdir + target
-for sub in ('48x48/kivo', '64x64/kivo', 'scalable/kivo'):
+for sub in ('16x16/kivo', '48x48/kivo', '64x64/kivo', 'scalable/kivo'):
     os.makedirs(os.path.join(target, sub), exist_ok=True)
     for name in os.listdir(os.path.join(source, sub)):
         shutil.copyfile(os.path.join(source, sub, name), os.path.join(target, sub, name))

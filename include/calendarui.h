@@ -25,5 +25,15 @@
 #include "calendarui/TavCalendarEventWindow.h"
 #include "calendarui/TavCalendarTaskWindow.h"
 #include "calendarui/TavCalendarNoteWindow.h"
+#include "calendarui/TavCalendarSettingsDialog.h"
+#include "calendarui/TavAlarmToneButton.h"
+#include "calendarui/TavColorButton.h"
+#include "calendarui/TavAgendaView.h"
+#include "calendarui/TavDayView.h"
+#include "calendarui/TavTaskView.h"
+#include "calendarui/TavNoteView.h"
+#include "calendarui/TavEventView.h"
+#include "calendarui/TavDateSelectionWindow.h"
+#include "calendarui/TavCalendarWindow.h"
 
 #endif /* CALENDARUI_H */

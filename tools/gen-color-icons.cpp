@@ -4,7 +4,8 @@
  * Writes OUTPUT_ROOT/48x48/kivo/calendar_colors_<nick>.png,
  *        OUTPUT_ROOT/64x64/kivo/calendar_colors_<nick>.png and
  *        OUTPUT_ROOT/scalable/kivo/calendar_colors_allday_<nick>.png
- * for the ten calendar colours.
+ * for the ten calendar colours, and the lists' OUTPUT_ROOT/48x48/kivo/general_add.png
+ * and OUTPUT_ROOT/16x16/kivo/calendar_alarm.png.
  */
 
 #include <cairo.h>
@@ -73,6 +74,55 @@ bool draw_allday (const std::string &path, int width, int height, const tav::Cal
     return ok;
 }
 
+/* Writes @surface to @path and releases it. */
+bool save_png (cairo_surface_t *surface, const std::string &path)
+{
+    bool ok = cairo_surface_write_to_png (surface, path.c_str ()) == CAIRO_STATUS_SUCCESS;
+    cairo_surface_destroy (surface);
+    return ok;
+}
+
+/* "Add": a white plus on a blue disc. */
+bool draw_add (const std::string &path, int size)
+{
+    cairo_surface_t *surface = cairo_image_surface_create (CAIRO_FORMAT_ARGB32, size, size);
+    cairo_t *cr = cairo_create (surface);
+    const double c = size / 2.0;
+    cairo_arc (cr, c, c, size * 0.42, 0, 2 * M_PI);
+    cairo_set_source_rgb (cr, 0.118, 0.533, 0.898);
+    cairo_fill (cr);
+    cairo_set_source_rgb (cr, 1, 1, 1);
+    cairo_set_line_width (cr, size * 0.1);
+    cairo_set_line_cap (cr, CAIRO_LINE_CAP_ROUND);
+    cairo_move_to (cr, c, size * 0.27);
+    cairo_line_to (cr, c, size * 0.73);
+    cairo_move_to (cr, size * 0.27, c);
+    cairo_line_to (cr, size * 0.73, c);
+    cairo_stroke (cr);
+    cairo_destroy (cr);
+    return save_png (surface, path);
+}
+
+/* The alarm mark: a bell in warm yellow. */
+bool draw_alarm (const std::string &path, int size)
+{
+    cairo_surface_t *surface = cairo_image_surface_create (CAIRO_FORMAT_ARGB32, size, size);
+    cairo_t *cr = cairo_create (surface);
+    cairo_scale (cr, size / 16.0, size / 16.0);
+    cairo_move_to (cr, 2, 12.5);
+    cairo_curve_to (cr, 3.5, 11, 3.5, 9.5, 3.5, 7);
+    cairo_curve_to (cr, 3.5, 4, 5.5, 2.2, 8, 2.2);
+    cairo_curve_to (cr, 10.5, 2.2, 12.5, 4, 12.5, 7);
+    cairo_curve_to (cr, 12.5, 9.5, 12.5, 11, 14, 12.5);
+    cairo_close_path (cr);
+    cairo_set_source_rgb (cr, 1.0, 0.78, 0.2);
+    cairo_fill (cr);
+    cairo_arc (cr, 8, 13.6, 1.8, 0, 2 * M_PI);
+    cairo_fill (cr);
+    cairo_destroy (cr);
+    return save_png (surface, path);
+}
+
 } // namespace
 
 int main (int argc, char **argv)
@@ -82,7 +132,7 @@ int main (int argc, char **argv)
         return 2;
     }
     const std::string root = argv[1];
-    for (const char *dir : { "48x48/kivo", "64x64/kivo", "scalable/kivo" }) {
+    for (const char *dir : { "16x16/kivo", "48x48/kivo", "64x64/kivo", "scalable/kivo" }) {
         std::error_code error;
         std::filesystem::create_directories (root + "/" + dir, error);
     }
@@ -95,6 +145,11 @@ int main (int argc, char **argv)
             fprintf (stderr, "%s: cannot write icons under %s\n", argv[0], root.c_str ());
             return 1;
         }
+    }
+    if (!draw_add (root + "/48x48/kivo/general_add.png", 48) ||
+        !draw_alarm (root + "/16x16/kivo/calendar_alarm.png", 16)) {
+        fprintf (stderr, "%s: cannot write icons under %s\n", argv[0], root.c_str ());
+        return 1;
     }
     return 0;
 }

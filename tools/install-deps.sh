@@ -7,6 +7,7 @@ packages=(
   build-essential meson ninja-build pkg-config python3 gettext
   libglib2.0-dev libgtk2.0-dev libcairo2-dev libpango1.0-dev libgdk-pixbuf-2.0-dev
   libx11-dev libxtst-dev
+  libcanberra-gtk-dev sound-theme-freedesktop
   libical-dev libsqlite3-dev sqlite3
   libgtest-dev libgmock-dev
   xvfb xauth x11-utils fonts-dejavu-core

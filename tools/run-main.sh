@@ -11,6 +11,7 @@ ninja -C "$build_dir"
 
 export TAV_CALENDAR_ICON_DIR="$PWD/$build_dir/data/icons/hicolor/"
 export TAV_CALENDAR_LOCALE_DIR="$PWD/$build_dir/po/locale"
+export TAV_CALENDAR_SOUND_DIR="$PWD/$build_dir/data"
 
 if [ -x "$build_dir/host/tav-calendar" ]; then
   app=("$build_dir/host/tav-calendar")

@@ -71,16 +71,17 @@ void open_calendar (App *app, const TavDate *date)
 {
     if (!app->window) {
         /* Closing the calendar hides it; the applet stays. */
-        app->build (false);
+        app->build ();
         g_signal_handlers_disconnect_by_func (app->window, reinterpret_cast<gpointer> (gtk_main_quit), nullptr);
         g_signal_connect (app->window, "delete-event", G_CALLBACK (gtk_widget_hide_on_delete), nullptr);
     }
-    gtk_widget_show_all (app->window);
+    gtk_widget_show_all (GTK_WIDGET (app->window));
     if (date) {
-        app->open_week (*date);
+        app->focus = *date;
+        app->show ("week");
     } else {
         tav_date_init_today (&app->focus);
-        app->show_view (0);
+        app->show ("month");
     }
     gtk_window_present (GTK_WINDOW (app->window));
 }
@@ -148,7 +149,8 @@ void run_applet (App &app)
     }
     g_object_unref (zone);
     if (app.window) {
-        gtk_widget_destroy (app.window);
+        gtk_widget_destroy (GTK_WIDGET (app.window));
+        app.window = nullptr;
     }
 }
 

@@ -89,6 +89,9 @@ gboolean answer_database_read (TavCalendarView *view, CalendarSet &calendars)
     if (!tav_calendar_view_get_presented_interval (view, &interval)) {
         return FALSE;
     }
+    /* A read replaces what the view showed: a second answer to the same
+     * request shows nothing twice. */
+    tav_calendar_view_clear_entries (view);
     tav_calendar_view_freeze (view);
     tav_calendar_view_reading_started (view);
     GList *entries = calendars.read_interval (interval);

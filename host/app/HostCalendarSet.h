@@ -39,7 +39,7 @@ private:
     std::map<int64_t, Ref<TavHostCalendarSource>> m_sources;
 };
 
-/* Answers a view's "database-access-read": freeze, reading started, the
+/* Answers a view's "database-access-read": clear, freeze, reading started, the
  * entries of the presented interval, thaw, reading finished. */
 gboolean answer_database_read (TavCalendarView *view, CalendarSet &calendars);
 

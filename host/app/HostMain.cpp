@@ -6,6 +6,9 @@
  *   tav-calendar --screenshot DIR
  *   tav-calendar --applet [--db PATH | --demo]
  *   tav-calendar --new-event [--date YYYY-MM-DD] | --edit-event UID
+ *   tav-calendar --settings
+ *
+ * Settings are kept in $XDG_CONFIG_HOME/tav-calendar/settings.ini.
  *
  * Exit status: 0 success, 1 an import or export failed, 2 bad arguments or
  * a store that cannot be opened, 3 no display for the window.
@@ -49,6 +52,7 @@ struct Options {
     gboolean demo = FALSE;
     gboolean open = FALSE;
     gboolean applet = FALSE;
+    gboolean settings = FALSE;
 
     ~Options ()
     {
@@ -93,6 +97,12 @@ std::string default_store_path ()
     return out;
 }
 
+/* The root view the settings name. */
+const char *default_view_name (int value)
+{
+    return value == SettingsValueWeekView ? "week" : value == SettingsValueAgendaView ? "agenda" : "month";
+}
+
 /* Progress of a long import: a line on the terminal, and a bar in a small
  * window when the calendar is about to be shown. */
 struct ImportFeedback {
@@ -130,7 +140,6 @@ struct ImportFeedback {
     }
 };
 
-/* The calendar window: a switch between the views above the current one. */
 }  // namespace
 
 int main (int argc, char **argv)
@@ -144,6 +153,7 @@ int main (int argc, char **argv)
         {"open", 0, 0, G_OPTION_ARG_NONE, &opt.open, "Show the calendar after --import or --export", nullptr},
         {"view", 0, 0, G_OPTION_ARG_STRING, &opt.view, "The view to show first", "NAME"},
         {"date", 0, 0, G_OPTION_ARG_STRING, &opt.date, "The day to show", "YYYY-MM-DD"},
+        {"settings", 0, 0, G_OPTION_ARG_NONE, &opt.settings, "Show only the settings dialog; exit when it closes", nullptr},
         {"screenshot", 0, 0, G_OPTION_ARG_FILENAME, &opt.screenshot, "Render each view at 800x480 to DIR/<view>.png and exit", "DIR"},
         {"applet", 0, 0, G_OPTION_ARG_NONE, &opt.applet, "Show the home-screen applet instead of the calendar", nullptr},
         {"new-event", 0, 0, G_OPTION_ARG_NONE, &opt.new_event, "Open the event editor for a new event (on --date), then exit", nullptr},
@@ -189,18 +199,16 @@ int main (int argc, char **argv)
             return 2;
         }
     }
-    size_t first_view = 0;
     if (opt.view) {
-        static const char *const known[] = {"month", "week", "agenda", "day", "tasks", "notes"};
-        const bool is_known = std::find_if (std::begin (known), std::end (known),
-                                            [&] (const char *k) { return strcmp (k, opt.view) == 0; }) != std::end (known);
-        const ViewKind *kind = find_view (opt.view);
-        if (!kind) {
-            fprintf (stderr, "tav-calendar: --view %s: %s; this build has: %s\n", opt.view,
-                     is_known ? "that view is not in this build yet" : "no such view", view_names ().c_str ());
+        if (!view_is_known (opt.view)) {
+            fprintf (stderr, "tav-calendar: --view %s: no such view; this build has: %s\n", opt.view, view_names ().c_str ());
             return 2;
         }
-        first_view = static_cast<size_t> (kind - view_kinds ().data ());
+        if (!view_in_build (opt.view)) {
+            fprintf (stderr, "tav-calendar: --view %s: that view is not in this build yet; this build has: %s\n", opt.view,
+                     view_names ().c_str ());
+            return 2;
+        }
     }
 
     /* The store. */
@@ -237,8 +245,16 @@ int main (int argc, char **argv)
     App app;
     app.calendars = std::make_unique<CalendarSet> (store);
     app.focus = focus;
+    SettingsFile settings;
+    app.settings = &settings;
 
-    const bool want_ui = opt.screenshot || opt.open || (!opt.imports && !opt.export_path);
+    const bool want_ui = opt.screenshot || opt.open || opt.settings || (!opt.imports && !opt.export_path);
+    if (want_ui) {
+        /* A damaged file is reported here once: loading repairs it. */
+        for (const std::string &problem : settings.load ()) {
+            fprintf (stderr, "tav-calendar: %s\n", problem.c_str ());
+        }
+    }
     const bool have_display = want_ui && gtk_init_check (&argc, &argv);
     int status = 0;
 
@@ -310,7 +326,7 @@ int main (int argc, char **argv)
             fprintf (stderr, "tav-calendar: no display to show the calendar on (try xvfb-run with --screenshot DIR)\n");
             status = 3;
         } else if (opt.screenshot) {
-            app.focus = focus;
+            app.build ();
             int shot = render_views (app, opt.screenshot);
             shot = shot ? shot : render_applet (app, opt.screenshot);
             if (shot == 0) {
@@ -334,14 +350,23 @@ int main (int argc, char **argv)
             if (entry) {
                 g_object_unref (entry);
             }
+        } else if (opt.settings) {
+            /* The dialog alone, before (and without) the calendar window. */
+            GtkWidget *dialog = app.open_settings ();
+            g_signal_connect (dialog, "destroy", G_CALLBACK (gtk_main_quit), nullptr);
+            gtk_main ();
         } else {
-            app.build (false);
-            gtk_widget_show_all (app.window);
-            app.show_view (first_view);
+            app.build ();
+            gtk_widget_show (GTK_WIDGET (app.window));
+            app.show (opt.view ? opt.view : default_view_name (settings.values.default_view));
             gtk_main ();
         }
     }
 
+    if (app.window) {
+        gtk_widget_destroy (GTK_WIDGET (app.window));
+        app.window = nullptr;
+    }
     app.calendars.reset ();
     store.reset ();
     if (demo_dir) {

@@ -1,248 +1,454 @@
 #include "HostWindow.h"
 
+#include "HostEditor.h"
+#include "HostLists.h"
+
 #include <calendarui.h>
+#include <gdk/gdkkeysyms.h>
+#include <glib/gstdio.h>
 
 #include <algorithm>
 #include <cstdio>
+#include <cstring>
+#include <vector>
 
 namespace tav::host {
 
 namespace {
 
-void month_go_to (GtkWidget *view, const TavDate &date)
-{
-    tav_calendar_select_month (TAV_CALENDAR (view), date.month, date.year);
-}
-
-void month_step (GtkWidget *view, int direction)
-{
-    if (direction < 0) {
-        tav_calendar_select_prev_month (TAV_CALENDAR (view));
-    } else {
-        tav_calendar_select_next_month (TAV_CALENDAR (view));
-    }
-}
-
-void week_go_to (GtkWidget *view, const TavDate &date)
-{
-    tav_week_view_set_presented_interval_by_date (TAV_WEEK_VIEW (view), &date);
-    /* Open on the working day rather than at midnight. */
-    const TavTime morning = {7, 0};
-    tav_week_view_snap_to_time (TAV_WEEK_VIEW (view), &morning);
-}
-
-void week_step (GtkWidget *view, int direction)
-{
-    if (direction < 0) {
-        tav_week_view_select_prev_week (TAV_WEEK_VIEW (view));
-    } else {
-        tav_week_view_select_next_week (TAV_WEEK_VIEW (view));
-    }
-}
-
-const std::vector<ViewKind> kViews = {
-    {"month", "Month", tav_calendar_new, false, month_go_to, month_step},
-    {"week", "Week", tav_week_view_new, true, week_go_to, week_step},
-};
-
+const char *const kKnownViews[] = {"month", "week", "agenda", "day", "event", "tasks", "notes"};
 
 }  // namespace
 
-const std::vector<ViewKind> &view_kinds ()
+bool view_is_known (const std::string &name)
 {
-    return kViews;
+    return std::find (std::begin (kKnownViews), std::end (kKnownViews), name) != std::end (kKnownViews);
 }
 
-const ViewKind *find_view (const std::string &name)
+bool view_in_build (const std::string &name)
 {
-    for (const ViewKind &v : kViews) {
-        if (name == v.name) {
-            return &v;
-        }
+    if (name == "month" || name == "week" || name == "event") {
+        return true;
     }
-    return nullptr;
+#ifdef TAV_TYPE_AGENDA_VIEW
+    if (name == "agenda") {
+        return true;
+    }
+#endif
+#ifdef TAV_TYPE_DAY_VIEW
+    if (name == "day") {
+        return true;
+    }
+#endif
+#ifdef TAV_TYPE_TASK_VIEW
+    if (name == "tasks") {
+        return true;
+    }
+#endif
+#ifdef TAV_TYPE_NOTE_VIEW
+    if (name == "notes") {
+        return true;
+    }
+#endif
+    return false;
 }
 
 std::string view_names ()
 {
     std::string out;
-    for (const ViewKind &v : kViews) {
-        out += (out.empty () ? "" : ", ") + std::string (v.name);
+    for (const char *name : kKnownViews) {
+        if (view_in_build (name)) {
+            out += (out.empty () ? "" : ", ") + std::string (name);
+        }
     }
     return out;
 }
 
+/* Window signals -------------------------------------------------------------- */
 
 namespace {
 
-gboolean on_view_database_access_read_cb (TavCalendarView *view, gpointer data)
+gboolean on_view_read_cb (TavCalendarView *view, gpointer data)
 {
     return answer_database_read (view, *static_cast<App *> (data)->calendars);
 }
 
-void on_switch_toggled_cb (GtkToggleButton *button, gpointer data)
+/* The entries of the root view's interval, in start order, with @tapped in
+ * place of its stored twin: what the event view steps through. */
+GList *neighbours_of (App &app, TavCalendarEntry *tapped)
 {
-    App *app = static_cast<App *> (data);
-    if (!gtk_toggle_button_get_active (button)) {
-        return;
+    TavCalendarView *root = tav_calendar_window_get_current_root_view (app.window);
+    TavDateInterval shown;
+    if (!root || !tav_calendar_view_get_presented_interval (root, &shown)) {
+        return g_list_prepend (nullptr, g_object_ref (tapped));
     }
-    for (size_t i = 0; i < app->switches.size (); ++i) {
-        if (app->switches[i] == GTK_WIDGET (button) && app->current () != i) {
-            app->show_view (i);
+    GList *entries = app.calendars->read_interval (shown);
+    const int64_t id = entry_record_id (tapped);
+    bool found = false;
+    for (GList *l = entries; l; l = l->next) {
+        if (id && entry_record_id (TAV_CALENDAR_ENTRY (l->data)) == id) {
+            g_object_unref (l->data);
+            l->data = g_object_ref (tapped);
+            found = true;
         }
     }
+    if (!found) {
+        entries = g_list_prepend (entries, g_object_ref (tapped));
+    }
+    return g_list_sort (entries, [] (gconstpointer a, gconstpointer b) {
+        return tav_calendar_entry_compare_start_time (TAV_CALENDAR_ENTRY (const_cast<gpointer> (a)),
+                                                      TAV_CALENDAR_ENTRY (const_cast<gpointer> (b)));
+    });
 }
 
-void on_month_day_activated_cb (TavCalendar *, int year, int month, int day, gpointer data)
+void open_event_view (App &app, TavCalendarEntry *entry, const TavDate *date)
 {
-    static_cast<App *> (data)->open_week (TavDate {year, month, day});
+    TavEventView *view = TAV_EVENT_VIEW (app.window->event_view);
+    GList *list = neighbours_of (app, entry);
+    tav_event_view_set_entry_list (view, list);
+    g_list_free_full (list, g_object_unref);
+    tav_event_view_set_entry (view, entry, date);
+    tav_calendar_window_show_event_view (app.window);
 }
 
-void on_month_week_activated_cb (TavCalendar *, int week_number, const TavDateInterval *interval,
-                                        gpointer data)
+void on_entry_activated_cb (GtkWidget *, TavCalendarEntry *entry, const TavDate *date, gpointer data)
 {
-    if (interval) {
-        static_cast<App *> (data)->open_week (interval->start);
+    if (TAV_IS_CALENDAR_ENTRY (entry)) {
+        open_event_view (*static_cast<App *> (data), entry, date);
     }
 }
 
-void on_prev_clicked_cb (GtkButton *, gpointer data)
+/* Left and right in the day window step the day. */
+void on_day_key_pressed_cb (TavDayView *view, guint keyval, gpointer)
 {
-    App *app = static_cast<App *> (data);
-    kViews[app->current ()].step (app->views[app->current ()], -1);
+    if (keyval == GDK_Left || keyval == GDK_KP_Left) {
+        tav_day_view_select_previous_day (view);
+    } else if (keyval == GDK_Right || keyval == GDK_KP_Right) {
+        tav_day_view_select_next_day (view);
+    }
 }
 
-void on_next_clicked_cb (GtkButton *, gpointer data)
+/* A new event starts at the next full hour on today, at 9:00 on other days. */
+TavTime default_start (const TavDate &date)
 {
-    App *app = static_cast<App *> (data);
-    kViews[app->current ()].step (app->views[app->current ()], 1);
+    TavDate today;
+    tav_date_init_today (&today);
+    TavTime now;
+    tav_time_init_now (&now);
+    if (tav_date_compare (&date, &today) == 0 && now.hour < 23) {
+        return TavTime {now.hour + 1, 0};
+    }
+    return TavTime {9, 0};
 }
 
-void on_today_clicked_cb (GtkButton *, gpointer data)
+void on_week_insert_cb (GtkWidget *, const TavDate *date, const TavTime *time, gboolean all_day, gpointer data)
+{
+    if (date) {
+        static_cast<App *> (data)->open_editor (nullptr, date, time, all_day);
+    }
+}
+
+void on_list_insert_cb (GtkWidget *, const TavDate *date, gpointer data)
+{
+    if (date) {
+        const TavTime start = default_start (*date);
+        static_cast<App *> (data)->open_editor (nullptr, date, &start, false);
+    }
+}
+
+gboolean on_new_event_cb (TavCalendarWindow *, gpointer data)
 {
     App *app = static_cast<App *> (data);
-    tav_date_init_today (&app->focus);
-    app->show_view (app->current ());
+    const TavDate date = app->current_date ();
+    const TavTime start = default_start (date);
+    return app->open_editor (nullptr, &date, &start, false) != nullptr;
+}
+
+gboolean on_edit_event_cb (TavCalendarWindow *, TavCalendarEntry *entry, gpointer data)
+{
+    if (!TAV_IS_CALENDAR_ENTRY (entry) || TAV_IS_CALENDAR_TASK (entry) || TAV_IS_CALENDAR_NOTE (entry)) {
+        return FALSE;
+    }
+    return static_cast<App *> (data)->open_editor (entry, nullptr, nullptr, false) != nullptr;
+}
+
+void on_entry_created_cb (GtkWidget *, TavCalendarEntry *entry, gpointer data)
+{
+    tav_calendar_window_add_entry (static_cast<App *> (data)->window, entry);
+}
+
+void on_entry_saved_cb (GtkWidget *, TavCalendarEntry *entry, gpointer data)
+{
+    tav_calendar_window_refresh_entry (static_cast<App *> (data)->window, entry);
+}
+
+void on_deleting_entry_cb (GtkWidget *, TavCalendarEntry *entry, gpointer data)
+{
+    tav_calendar_window_remove_entry (static_cast<App *> (data)->window, entry);
+}
+
+/* A save that failed: the editor has closed; a note says why. */
+void on_editor_error_cb (GtkWidget *editor, const char *text, gpointer data)
+{
+    fprintf (stderr, "tav-calendar: the event was not saved: %s\n", text ? text : "");
+    GtkWidget *parent = tav_calendar_window_get_topmost_window (static_cast<App *> (data)->window);
+    GtkWidget *note = gtk_message_dialog_new (GTK_WINDOW (parent), GTK_DIALOG_MODAL, GTK_MESSAGE_ERROR, GTK_BUTTONS_OK,
+                                              "%s", text ? text : "");
+    g_signal_connect (note, "response", G_CALLBACK (gtk_widget_destroy), nullptr);
+    gtk_widget_show (note);
+    (void) editor;
+}
+
+gboolean on_settings_cb (TavCalendarWindow *, gpointer data)
+{
+    return static_cast<App *> (data)->open_settings () != nullptr;
 }
 
 }  // namespace
 
-void App::build (bool offscreen)
+/* App ---------------------------------------------------------------------------- */
+
+void App::build ()
 {
-    window = offscreen ? gtk_offscreen_window_new () : gtk_window_new (GTK_WINDOW_TOPLEVEL);
-    if (!offscreen) {
-        gtk_window_set_title (GTK_WINDOW (window), "Calendar");
-        gtk_window_set_default_size (GTK_WINDOW (window), 800, 480);
-        g_signal_connect (window, "destroy", G_CALLBACK (gtk_main_quit), nullptr);
-    }
-    gtk_widget_set_size_request (window, 800, 480);
-    GtkWidget *box = gtk_vbox_new (FALSE, 0);
-    GtkWidget *bar = gtk_hbox_new (FALSE, 0);
-    notebook = gtk_notebook_new ();
-    gtk_notebook_set_show_tabs (GTK_NOTEBOOK (notebook), FALSE);
-    gtk_notebook_set_show_border (GTK_NOTEBOOK (notebook), FALSE);
-
-    GtkWidget *prev = gtk_button_new_with_label ("\xe2\x97\x80");   /* ◀ */
-    GtkWidget *today = gtk_button_new_with_label ("Today");
-    GtkWidget *next = gtk_button_new_with_label ("\xe2\x96\xb6");   /* ▶ */
-    for (GtkWidget *b : {prev, today, next}) {
-        gtk_widget_set_size_request (b, 80, 48);
-    }
-    g_signal_connect (prev, "clicked", G_CALLBACK (on_prev_clicked_cb), this);
-    g_signal_connect (today, "clicked", G_CALLBACK (on_today_clicked_cb), this);
-    g_signal_connect (next, "clicked", G_CALLBACK (on_next_clicked_cb), this);
-    gtk_box_pack_start (GTK_BOX (bar), prev, FALSE, FALSE, 0);
-
-    GSList *group = nullptr;
-    for (const ViewKind &kind : kViews) {
-        GtkWidget *view = kind.create ();
-        g_signal_connect (view, "database-access-read", G_CALLBACK (on_view_database_access_read_cb), this);
-        if (TAV_IS_CALENDAR (view)) {
-            /* A tapped day or week of the month opens that week. */
-            g_signal_connect (view, "day-activated", G_CALLBACK (on_month_day_activated_cb), this);
-            g_signal_connect (view, "week-activated", G_CALLBACK (on_month_week_activated_cb), this);
+    window = TAV_CALENDAR_WINDOW (tav_calendar_window_new ());
+    for (GtkWidget *view : {window->month_view, window->week_view, window->agenda_view, window->day_view}) {
+        if (view) {
+            g_signal_connect (view, "database-access-read", G_CALLBACK (on_view_read_cb), this);
         }
-        GtkWidget *page = view;
-        if (kind.scrolls) {
-            page = gtk_scrolled_window_new (nullptr, nullptr);
-            gtk_scrolled_window_set_policy (GTK_SCROLLED_WINDOW (page), GTK_POLICY_NEVER, GTK_POLICY_AUTOMATIC);
-            gtk_container_add (GTK_CONTAINER (page), view);
-        }
-        gtk_notebook_append_page (GTK_NOTEBOOK (notebook), page, nullptr);
-        views.push_back (view);
-        GtkWidget *button = gtk_radio_button_new_with_label (group, kind.label);
-        group = gtk_radio_button_get_group (GTK_RADIO_BUTTON (button));
-        gtk_toggle_button_set_mode (GTK_TOGGLE_BUTTON (button), FALSE);
-        gtk_widget_set_size_request (button, -1, 48);
-        g_signal_connect (button, "toggled", G_CALLBACK (on_switch_toggled_cb), this);
-        gtk_box_pack_start (GTK_BOX (bar), button, TRUE, TRUE, 0);
-        switches.push_back (button);
     }
-    gtk_box_pack_start (GTK_BOX (bar), today, FALSE, FALSE, 0);
-    gtk_box_pack_start (GTK_BOX (bar), next, FALSE, FALSE, 0);
-    for (GtkWidget *b : {prev, today, next})
-        gtk_button_set_relief (GTK_BUTTON (b), GTK_RELIEF_NONE);
-    for (GtkWidget *b : switches)
-        gtk_button_set_relief (GTK_BUTTON (b), GTK_RELIEF_NONE);
-
-    /* The bar wears the views' dark header colours, so the window reads as
-     * one surface: light text, the chosen view in the accent blue. */
-    gtk_rc_parse_string (
-        "style \"tav-host-bar\" {\n"
-        "  bg[NORMAL] = \"#1f2833\"\n"
-        "  bg[PRELIGHT] = \"#2d3947\"\n"
-        "  bg[ACTIVE] = \"#1e88e5\"\n"
-        "  fg[NORMAL] = \"#dfe6ee\"\n"
-        "  fg[PRELIGHT] = \"#ffffff\"\n"
-        "  fg[ACTIVE] = \"#ffffff\"\n"
-        "  font_name = \"Sans Bold 12\"\n"
-        "  xthickness = 0\n"
-        "  ythickness = 0\n"
-        "}\n"
-        "widget \"*.tav-host-bar*\" style \"tav-host-bar\"\n");
-    GtkWidget *bar_background = gtk_event_box_new ();
-    gtk_widget_set_name (bar_background, "tav-host-bar");
-    gtk_container_add (GTK_CONTAINER (bar_background), bar);
-    gtk_box_pack_start (GTK_BOX (box), bar_background, FALSE, FALSE, 0);
-    gtk_box_pack_start (GTK_BOX (box), notebook, TRUE, TRUE, 0);
-    gtk_container_add (GTK_CONTAINER (window), box);
+    for (GtkWidget *view : {window->task_view, window->note_view}) {
+        if (view) {
+            connect_list_view (view, *calendars);
+        }
+    }
+    for (GtkWidget *view : {window->week_view, window->agenda_view, window->day_view}) {
+        if (view) {
+            g_signal_connect (view, "entry-activated", G_CALLBACK (on_entry_activated_cb), this);
+        }
+    }
+    g_signal_connect (window->week_view, "insert-activated", G_CALLBACK (on_week_insert_cb), this);
+    g_signal_connect (window->day_view, "key-pressed", G_CALLBACK (on_day_key_pressed_cb), nullptr);
+    for (GtkWidget *view : {window->agenda_view, window->day_view}) {
+        if (view) {
+            g_signal_connect (view, "insert-activated", G_CALLBACK (on_list_insert_cb), this);
+        }
+    }
+    g_signal_connect (window, "new-event-activated", G_CALLBACK (on_new_event_cb), this);
+    g_signal_connect (window, "edit-event-activated", G_CALLBACK (on_edit_event_cb), this);
+    g_signal_connect (window, "settings-activated", G_CALLBACK (on_settings_cb), this);
+    apply_settings ();
 }
 
-
-size_t App::current () const
+void App::apply_settings ()
 {
-    return static_cast<size_t> (gtk_notebook_get_current_page (GTK_NOTEBOOK (notebook)));
-}
-
-void App::show_view (size_t index)
-{
-    gtk_notebook_set_current_page (GTK_NOTEBOOK (notebook), static_cast<int> (index));
-    gtk_toggle_button_set_active (GTK_TOGGLE_BUTTON (switches[index]), TRUE);
-    kViews[index].go_to (views[index], focus);
-}
-
-void App::open_week (const TavDate &date)
-{
-    const ViewKind *week = find_view ("week");
-    if (!week) {
+    if (!window) {
         return;
     }
-    focus = date;
-    show_view (static_cast<size_t> (week - kViews.data ()));
+    const Settings defaults;
+    const Settings &values = settings ? settings->values : defaults;
+    tav_calendar_window_set_first_day_of_week (window, values.first_day_of_week ());
+    const gboolean hide_done = values.hide_done_tasks == SettingsValueYes;
+    for (GtkWidget *view : {window->month_view, window->week_view, window->agenda_view, window->day_view}) {
+        if (view) {
+            g_object_set (view, "hide-done-tasks", hide_done, nullptr);
+        }
+    }
 }
 
+int App::visible_calendars () const
+{
+    int count = 0;
+    for (const CalendarRecord &c : calendars->store ().calendars ()) {
+        count += c.visible ? 1 : 0;
+    }
+    return count;
+}
+
+GtkWidget *App::open_settings ()
+{
+    if (!settings) {
+        return nullptr;
+    }
+    GtkWindow *parent = window ? GTK_WINDOW (tav_calendar_window_get_topmost_window (window)) : nullptr;
+    return open_settings_dialog (*settings, visible_calendars (), parent, [this] (const Settings &) {
+        apply_settings ();
+        /* The views read again with the new week start and done tasks. */
+        tav_calendar_window_read_database (window);
+    });
+}
+
+App::~App ()
+{
+    if (window) {
+        gtk_widget_destroy (GTK_WIDGET (window));
+    }
+}
+
+bool App::show (const std::string &name)
+{
+    if (!view_in_build (name)) {
+        return false;
+    }
+    if (name == "week") {
+        tav_calendar_window_show_month_view (window);
+        tav_calendar_select_month (TAV_CALENDAR (window->month_view), focus.month, focus.year);
+        tav_calendar_window_activate_week_view (window);
+        /* Open on the working day rather than at midnight. */
+        const TavTime morning = {7, 0};
+        tav_week_view_snap_to_time (TAV_WEEK_VIEW (window->week_view), &morning);
+    } else if (name == "agenda") {
+        tav_calendar_window_show_month_view (window);
+        tav_calendar_select_month (TAV_CALENDAR (window->month_view), focus.month, focus.year);
+        tav_calendar_window_activate_agenda_view (window);
+    } else {
+        tav_calendar_select_month (TAV_CALENDAR (window->month_view), focus.month, focus.year);
+        tav_calendar_window_show_month_view (window);
+    }
+    if (name == "day") {
+        g_signal_emit_by_name (window->month_view, "day-activated", focus.year, focus.month, focus.day);
+    } else if (name == "tasks") {
+        tav_calendar_window_show_task_view (window);
+    } else if (name == "notes") {
+        tav_calendar_window_show_note_view (window);
+    } else if (name == "event") {
+        const TavDateInterval day = {focus, focus};
+        GList *entries = calendars->read_interval (day);
+        /* An event of that very day, a timed one when there is one. */
+        GList *event = nullptr;
+        for (GList *l = entries; l; l = l->next) {
+            if (TAV_IS_CALENDAR_TASK (l->data) || TAV_IS_CALENDAR_NOTE (l->data)) {
+                continue;
+            }
+            TavDate *start = nullptr;
+            gboolean all_day = FALSE;
+            g_object_get (l->data, "start-date", &start, "all-day", &all_day, nullptr);
+            const bool that_day = start && tav_date_compare (start, &focus) == 0;
+            tav_date_free (start);
+            if (that_day && (!event || !all_day)) {
+                event = l;
+            }
+        }
+        if (event) {
+            open_event_view (*this, TAV_CALENDAR_ENTRY (event->data), &focus);
+        } else {
+            tav_calendar_window_show_event_view (window);
+        }
+        g_list_free_full (entries, g_object_unref);
+    }
+    tav_calendar_window_read_database (window);
+    return true;
+}
+
+TavDate App::current_date () const
+{
+    TavDate today;
+    tav_date_init_today (&today);
+    TavDateInterval shown;
+    if (tav_calendar_window_day_view_active (window) && window->day_view
+        && tav_calendar_view_get_presented_interval (TAV_CALENDAR_VIEW (window->day_view), &shown)) {
+        return shown.start;
+    }
+    TavCalendarView *root = tav_calendar_window_get_current_root_view (window);
+    if (root && TAV_IS_CALENDAR (root)) {
+        int month = 0, year = 0;
+        g_object_get (root, "month", &month, "year", &year, nullptr);
+        return (month == today.month && year == today.year) ? today : TavDate {year, month, 1};
+    }
+    if (root && tav_calendar_view_get_presented_interval (root, &shown)) {
+        return tav_date_interval_contains (&shown, &today) ? today : shown.start;
+    }
+    return today;
+}
+
+GtkWidget *App::open_editor (TavCalendarEntry *entry, const TavDate *date, const TavTime *time, bool all_day)
+{
+    GtkWidget *editor = open_event_editor (*calendars, date, entry);
+    if (!entry && date) {
+        if (time) {
+            const TavTime end = {std::min (time->hour + 1, 23), time->hour >= 23 ? 59 : time->minute};
+            tav_calendar_event_window_set_selected_start_time (TAV_CALENDAR_EVENT_WINDOW (editor), time);
+            tav_calendar_event_window_set_selected_end_time (TAV_CALENDAR_EVENT_WINDOW (editor), &end);
+        }
+        tav_calendar_event_window_set_all_day (TAV_CALENDAR_EVENT_WINDOW (editor), all_day);
+    }
+    g_signal_connect (editor, "entry-created", G_CALLBACK (on_entry_created_cb), this);
+    g_signal_connect (editor, "entry-saved", G_CALLBACK (on_entry_saved_cb), this);
+    g_signal_connect (editor, "deleting-entry", G_CALLBACK (on_deleting_entry_cb), this);
+    g_signal_connect (editor, "error", G_CALLBACK (on_editor_error_cb), this);
+    gtk_window_set_transient_for (GTK_WINDOW (editor), GTK_WINDOW (tav_calendar_window_get_topmost_window (window)));
+    gtk_widget_show (editor);
+    return editor;
+}
+
+/* Screenshots ------------------------------------------------------------------------ */
 
 namespace {
 
 void flush ()
 {
-    for (int i = 0; i < 5; ++i) {
+    for (int i = 0; i < 15; ++i) {
         while (gtk_events_pending ()) {
             gtk_main_iteration_do (FALSE);
         }
         gdk_flush ();
         g_usleep (20000);
     }
+}
+
+/* What is on screen where the main window (or @target) is: with no window
+ * manager the stacked windows, dialogs and menus lie over it as the user
+ * sees them. */
+bool save_screen (App &app, const std::string &dir, const std::string &name, GtkWidget *target = nullptr)
+{
+    flush ();
+    GtkWidget *main = target ? target : GTK_WIDGET (app.window);
+    int x = 0, y = 0;
+    gdk_window_get_origin (main->window, &x, &y);
+    GdkPixbuf *shot = gdk_pixbuf_get_from_drawable (nullptr, gdk_get_default_root_window (), nullptr, x, y, 0, 0,
+                                                    main->allocation.width, main->allocation.height);
+    const std::string path = dir + "/" + name + ".png";
+    GError *err = nullptr;
+    if (!shot || !gdk_pixbuf_save (shot, path.c_str (), "png", &err, nullptr)) {
+        fprintf (stderr, "tav-calendar: cannot write '%s': %s\n", path.c_str (), err ? err->message : "no image");
+        g_clear_error (&err);
+        if (shot) {
+            g_object_unref (shot);
+        }
+        return false;
+    }
+    g_object_unref (shot);
+    printf ("%s\n", path.c_str ());
+    return true;
+}
+
+/* Closes every window above the main one, as the back button would. */
+void close_stacked (App &app)
+{
+    GList *toplevels = gtk_window_list_toplevels ();
+    for (GList *l = toplevels; l; l = l->next) {
+        GtkWidget *w = GTK_WIDGET (l->data);
+        if (w != GTK_WIDGET (app.window) && gtk_widget_get_visible (w) && GTK_IS_WINDOW (w)
+            && gtk_window_get_window_type (GTK_WINDOW (w)) == GTK_WINDOW_TOPLEVEL) {
+            GdkEvent *event = gdk_event_new (GDK_DELETE);
+            event->any.window = GDK_WINDOW (g_object_ref (w->window));
+            event->any.send_event = TRUE;
+            gtk_main_do_event (event);
+            gdk_event_free (event);
+        }
+    }
+    g_list_free (toplevels);
+    flush ();
+}
+
+void press_key (GtkWidget *widget, guint keyval)
+{
+    GdkEvent *event = gdk_event_new (GDK_KEY_PRESS);
+    event->key.window = GDK_WINDOW (g_object_ref (widget->window));
+    event->key.send_event = TRUE;
+    event->key.keyval = keyval;
+    event->key.time = GDK_CURRENT_TIME;
+    gtk_widget_event (widget, event);
+    gdk_event_free (event);
 }
 
 }  // namespace
@@ -253,31 +459,62 @@ int render_views (App &app, const std::string &dir)
         fprintf (stderr, "tav-calendar: cannot create the directory '%s'\n", dir.c_str ());
         return 1;
     }
-    app.build (true);
-    gtk_widget_show_all (app.window);
-    flush ();
-    for (size_t i = 0; i < app.views.size (); ++i) {
-        app.show_view (i);
-        flush ();
-        gtk_widget_queue_draw (app.window);
-        flush ();
-        GdkPixbuf *shot = gtk_offscreen_window_get_pixbuf (GTK_OFFSCREEN_WINDOW (app.window));
-        const std::string path = dir + "/" + kViews[i].name + ".png";
-        GError *err = nullptr;
-        if (!shot || !gdk_pixbuf_save (shot, path.c_str (), "png", &err, nullptr)) {
-            fprintf (stderr, "tav-calendar: cannot write '%s': %s\n", path.c_str (), err ? err->message : "no image");
-            g_clear_error (&err);
-            if (shot) {
-                g_object_unref (shot);
-            }
+    gtk_window_move (GTK_WINDOW (app.window), 0, 0);
+    gtk_widget_show (GTK_WIDGET (app.window));
+    for (const char *name : {"month", "week", "agenda", "day", "event", "tasks", "notes"}) {
+        if (!view_in_build (name)) {
+            continue;
+        }
+        app.show (name);
+        if (!save_screen (app, dir, name)) {
             return 1;
         }
-        g_object_unref (shot);
-        printf ("%s\n", path.c_str ());
+        close_stacked (app);
     }
-    gtk_widget_destroy (app.window);
+    app.show ("month");
+    flush ();
+    {
+        const TavTime ten = {10, 0};
+        GtkWidget *editor = app.open_editor (nullptr, &app.focus, &ten, false);
+        if (!save_screen (app, dir, "editor")) {
+            return 1;
+        }
+        gtk_widget_destroy (editor);
+    }
+    {
+        SettingsFile defaults (std::string ("/nonexistent/settings.ini"));
+        SettingsFile *kept = app.settings;
+        if (!app.settings) {
+            app.settings = &defaults;
+        }
+        /* The dialog the menu's Settings opens, filling the screen. */
+        GtkWidget *dialog = app.open_settings ();
+        gtk_window_move (GTK_WINDOW (dialog), 0, 0);
+        gtk_widget_set_size_request (dialog, 800, 480);
+        gtk_widget_show_all (dialog);
+        const bool saved = save_screen (app, dir, "settings", dialog);
+        gtk_widget_destroy (dialog);
+        if (!saved) {
+            app.settings = kept;
+            return 1;
+        }
+        app.settings = kept;
+    }
+    press_key (GTK_WIDGET (app.window), GDK_F4);
+    if (!save_screen (app, dir, "appmenu")) {
+        return 1;
+    }
+    /* Escape closes the menu (a popup over the main window). */
+    GList *toplevels = gtk_window_list_toplevels ();
+    for (GList *l = toplevels; l; l = l->next) {
+        GtkWidget *w = GTK_WIDGET (l->data);
+        if (gtk_widget_get_visible (w) && gtk_window_get_window_type (GTK_WINDOW (w)) == GTK_WINDOW_POPUP && w->window) {
+            press_key (w, GDK_Escape);
+        }
+    }
+    g_list_free (toplevels);
+    flush ();
     return 0;
 }
-
 
 }  // namespace tav::host

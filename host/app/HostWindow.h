@@ -1,52 +1,51 @@
-/* The calendar window of tav-calendar: the library's views behind a
- * switch, filled from the store through "database-access-read". */
+/* The calendar window of tav-calendar: the library's TavCalendarWindow,
+ * filled from the store through "database-access-read", with the editors
+ * and the settings behind its action signals. */
 #ifndef TAV_HOST_WINDOW_H
 #define TAV_HOST_WINDOW_H
 
 #include "HostCalendarSet.h"
+#include "HostSettings.h"
 
 #include <gtk/gtk.h>
 
 #include <memory>
 #include <string>
-#include <vector>
 
 namespace tav::host {
 
-/* The views this build can show, in the order of the switch. */
-struct ViewKind {
-    const char *name;
-    const char *label;
-    GtkWidget *(*create) ();
-    bool scrolls;  /* shown inside a scrolled window */
-    void (*go_to) (GtkWidget *view, const TavDate &date);
-    void (*step) (GtkWidget *view, int direction);
-};
-
-const std::vector<ViewKind> &view_kinds ();
-const ViewKind *find_view (const std::string &name);
+/* The views --view knows, and whether this build of the library has them. */
+bool view_is_known (const std::string &name);
+bool view_in_build (const std::string &name);
 /* "month, week", for messages. */
 std::string view_names ();
 
 struct App {
     std::unique_ptr<CalendarSet> calendars;
-    GtkWidget *window = nullptr;
-    GtkWidget *notebook = nullptr;
-    std::vector<GtkWidget *> views;
-    std::vector<GtkWidget *> switches;
+    TavCalendarWindow *window = nullptr;
     TavDate focus {};
+    /* The stored settings (owned by the caller); NULL: defaults, not kept. */
+    SettingsFile *settings = nullptr;
 
-    /* An offscreen window renders without a window manager. */
-    void build (bool offscreen);
-    size_t current () const;
-    /* Shows view @index on the focus date. */
-    void show_view (size_t index);
-    /* Shows the week view on @date (what a tapped day or week opens). */
-    void open_week (const TavDate &date);
+    /* Creates the window (not shown) with the settings applied. */
+    void build ();
+    /* Gives the window the settings' week start and done-task choice. */
+    void apply_settings ();
+    /* Opens the settings dialog over the window (or alone before it). */
+    GtkWidget *open_settings ();
+    int visible_calendars () const;
+    /* Shows view @name on the focus date; false when it is not in the build. */
+    bool show (const std::string &name);
+    /* Opens the event editor: on @entry, or for a new event at @date, @time. */
+    GtkWidget *open_editor (TavCalendarEntry *entry, const TavDate *date, const TavTime *time, bool all_day);
+    /* The day the user looks at: the day view's, or today when the root
+     * view shows it, else the root view's first day. */
+    TavDate current_date () const;
+    ~App ();
 };
 
-/* Renders each view at 800x480 to DIR/<view>.png (the paths printed on
- * standard output); 0 on success. */
+/* Renders every view and window at 800x480 to DIR/<name>.png (the paths
+ * printed on standard output); 0 on success. */
 int render_views (App &app, const std::string &dir);
 
 }  // namespace tav::host

@@ -410,6 +410,15 @@ tav_calendar_remove_entry (TavCalendarView *view, TavCalendarEntry *entry)
     return changed;
 }
 
+/* Before a new read of the shown month: the cells forget their entries. */
+static void
+tav_calendar_clear_entries (TavCalendarView *view)
+{
+    TavCalendar *calendar = TAV_CALENDAR (view);
+    empty_cells (calendar);
+    calendar_recalculate_entries_for_all_cells (view);
+}
+
 static gboolean
 cell_shows_something (const CalendarCell *cell)
 {
@@ -812,6 +821,7 @@ tav_calendar_class_init (TavCalendarClass *klass)
 
     view_class->add_entry_instance = tav_calendar_add_entry_for_timestamp_cb;
     view_class->remove_entry = tav_calendar_remove_entry;
+    view_class->clear_entries = tav_calendar_clear_entries;
     view_class->recalculate_entries = calendar_recalculate_entries_for_all_cells;
     view_class->get_next_prev_status_for_entry = tav_calendar_get_next_prev_status_for_entry;
 

@@ -125,7 +125,6 @@ TEST (HostProgram, BadInputGivesAClearMessageAndStatus)
         {"no such day", {"--db", dir.file ("a.db"), "--date", "2026-02-30", "--screenshot", dir.path ()}, 2, "there is no such day"},
         {"out of range", {"--db", dir.file ("a.db"), "--date", "2040-01-01", "--screenshot", dir.path ()}, 2, "the years 1970 to 2037"},
         {"unknown view", {"--db", dir.file ("a.db"), "--view", "year", "--screenshot", dir.path ()}, 2, "no such view"},
-        {"view not built yet", {"--db", dir.file ("a.db"), "--view", "notes", "--screenshot", dir.path ()}, 2, "not in this build yet"},
         {"db and demo", {"--db", dir.file ("a.db"), "--demo"}, 2, "exclude each other"},
     };
     for (const Row &row : rows) {

@@ -1,0 +1,60 @@
+#include "SettingsTestSupport.h"
+
+#include "TavTonePreview.h"
+
+namespace tav::test {
+
+GtkWidget *find_widget (GtkWidget *root, const std::function<bool (GtkWidget *)> &match)
+{
+    if (match (root))
+        return root;
+    if (!GTK_IS_CONTAINER (root))
+        return nullptr;
+    GList *children = gtk_container_get_children (GTK_CONTAINER (root));
+    GtkWidget *found = nullptr;
+    for (GList *l = children; l && !found; l = l->next)
+        found = find_widget (GTK_WIDGET (l->data), match);
+    g_list_free (children);
+    return found;
+}
+
+void tap_middle (GtkWidget *widget)
+{
+    PointerDriver::tap (widget, widget->allocation.width / 2, widget->allocation.height / 2);
+    flush_events ();
+}
+
+void tap_selector_row (KivoTouchSelector *selector, int row)
+{
+    GtkWidget *view = kivo_touch_selector_get_column_view (selector, 0);
+    GtkTreePath *path = gtk_tree_path_new_from_indices (row, -1);
+    gtk_tree_view_scroll_to_cell (GTK_TREE_VIEW (view), path, nullptr, FALSE, 0, 0);
+    flush_events ();
+    GdkRectangle cell;
+    gtk_tree_view_get_cell_area (GTK_TREE_VIEW (view), path, nullptr, &cell);
+    gtk_tree_path_free (path);
+    int x = 0, y = 0;
+    gdk_window_get_origin (gtk_tree_view_get_bin_window (GTK_TREE_VIEW (view)), &x, &y);
+    PointerDriver::move_root (x + 40, y + cell.y + cell.height / 2);
+    PointerDriver::press (1);
+    PointerDriver::release (1);
+    flush_events ();
+}
+
+bool wait_mapped (GtkWidget *const &widget, int timeout_ms)
+{
+    const bool ok = run_main_loop_until ([&widget] { return widget && gtk_widget_get_mapped (widget); }, timeout_ms);
+    flush_events ();
+    return ok;
+}
+
+void write_test_wav (const std::string &path)
+{
+    gchar *data = nullptr;
+    gsize length = 0;
+    ASSERT_TRUE (g_file_get_contents (tav::default_tone_file ().c_str (), &data, &length, nullptr));
+    ASSERT_TRUE (g_file_set_contents (path.c_str (), data, static_cast<gssize> (length), nullptr));
+    g_free (data);
+}
+
+} // namespace tav::test
