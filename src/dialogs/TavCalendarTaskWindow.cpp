@@ -470,12 +470,16 @@ build_window (TavCalendarTaskWindow *window)
     gtk_entry_set_max_length (GTK_ENTRY (priv->title_entry), kMaxTitleChars);
     editor::add_row (rows, priv->title_entry);
 
+    /* The done check and the due date share a line, so that the whole form
+     * fits the screen without panning. */
     priv->done_button = kivo_check_button_new_with_label (KIVO_SIZE_FINGER_HEIGHT, TAV_CAL ("cal_fi_done"));
     gtk_widget_set_name (priv->done_button, "done-button");
-    editor::add_row (rows, priv->done_button);
-
     priv->date_button = editor::picker (KIVO_TYPE_DATE_BUTTON, "date-button", TAV_CAL ("cal_fi_date"), group.get ());
-    editor::add_row (rows, priv->date_button);
+    GtkWidget *line = gtk_hbox_new (FALSE, KIVO_MARGIN_DEFAULT);
+    gtk_widget_set_size_request (priv->done_button, 200, -1);
+    gtk_box_pack_start (GTK_BOX (line), priv->done_button, FALSE, TRUE, 0);
+    gtk_box_pack_start (GTK_BOX (line), priv->date_button, TRUE, TRUE, 0);
+    gtk_box_pack_start (GTK_BOX (rows), line, FALSE, FALSE, 0);
 
     priv->calendar_button = tav_calendar_button_new ();
     gtk_widget_set_name (priv->calendar_button, "calendar-button");
