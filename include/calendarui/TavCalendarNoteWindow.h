@@ -22,7 +22,9 @@
  *   "note-saved"     an edited note was saved in place;
  *   "deleting-note"  the note is being removed from its calendar (Delete,
  *                    or the old copy of a moved note).
- * Failures are reported with the dialog's "error" signal. A calendar that
+ * Failures are reported with the dialog's "error" signal; Save closes the
+ * window whatever the answer, a failed Delete keeps it open. Save rests
+ * until a writable calendar is offered. A calendar that
  * answers a new note with "already exists" counts as a failure. An empty
  * text is a note of its own: it is saved like any other.
  *

@@ -18,7 +18,8 @@
  *
  * A new task is due today and has no reminder. Only writable calendars are
  * offered; the task's own calendar is chosen for an existing task, the
- * first visible one for a new task.
+ * first visible one for a new task. Save rests until a writable calendar
+ * is offered; Delete rests for a new task.
  *
  * Signals (run last; void (*) (TavCalendarTaskWindow *window,
  * TavCalendarTask *task, gpointer user_data)):
@@ -28,8 +29,9 @@
  *   "deleting-task"  the task is gone from its calendar: after Delete, and
  *                    after a move with the old copy (twice when the old
  *                    calendar deleted it: once before, once after).
- * Failures are reported with the dialog's "error" signal; a failed save
- * leaves the task in its calendar as it was.
+ * Failures are reported with the dialog's "error" signal. Save closes the
+ * window whatever the calendar answered (a failed save leaves the task in
+ * its calendar as it was); a failed Delete keeps it open.
  *
  * The reminder rings on the day before the due date at its time (12:00
  * unless changed), never earlier than an hour from now; a task read with

@@ -660,13 +660,6 @@ move_entry (TavCalendarEventWindow *window)
     editor::report_error (TAV_CALENDAR_DIALOG (window), error);
 }
 
-/* The properties Save writes into an edited entry, kept so that a refused
- * save leaves the entry as its calendar still has it. */
-static const char *const kSavedProperties[] = {
-    "all-day", "start-date", "start-time", "end-date", "end-time", "end-repetition-date", "repeat-code",
-    "alarm-code", "alarm-time", "description", "show-until", "title", "location", "has-rrule",
-};
-
 static void
 save_in_place (TavCalendarEventWindow *window)
 {
@@ -675,13 +668,10 @@ save_in_place (TavCalendarEventWindow *window)
     TavCalendarEntry *entry = priv->entry.get ();
     GObject *object = G_OBJECT (entry);
 
-    std::vector<GValue> before (G_N_ELEMENTS (kSavedProperties));
-    for (size_t i = 0; i < before.size (); ++i) {
-        GParamSpec *spec = g_object_class_find_property (G_OBJECT_GET_CLASS (object), kSavedProperties[i]);
-        before[i] = G_VALUE_INIT;
-        g_value_init (&before[i], spec->value_type);
-        g_object_get_property (object, kSavedProperties[i], &before[i]);
-    }
+    /* Put back if the calendar refuses the save. */
+    editor::PropertySnapshot before (object, {"all-day", "start-date", "start-time", "end-date", "end-time",
+                                              "end-repetition-date", "repeat-code", "alarm-code", "alarm-time",
+                                              "description", "show-until", "title", "location", "has-rrule"});
 
     const TavTime start_time = priv->all_day ? TavTime {0, 0} : priv->start_time;
     const TavTime end_time = priv->all_day ? TavTime {23, 59} : priv->end_time;
@@ -702,13 +692,10 @@ save_in_place (TavCalendarEventWindow *window)
     if (error == CalendarNoError) {
         g_signal_emit (window, signals[ENTRY_SAVED], 0, entry);
     } else {
-        for (size_t i = 0; i < before.size (); ++i)
-            g_object_set_property (object, kSavedProperties[i], &before[i]);
+        before.restore ();
         TAV_WARNING ("Error saving entry.");
         editor::report_error (TAV_CALENDAR_DIALOG (window), error);
     }
-    for (GValue &value : before)
-        g_value_unset (&value);
 }
 
 /* The alarm test of Save; FALSE when the alarm would ring in the past. */
@@ -972,13 +959,9 @@ tav_calendar_event_window_get_property (GObject *object, guint prop_id, GValue *
     case PROP_TITLE:
         g_value_set_string (value, window->priv->initial_title.c_str ());
         break;
-    case PROP_ENTRY_ID: {
-        char *id = nullptr;
-        if (window->priv->entry)
-            g_object_get (window->priv->entry.get (), "num-id", &id, NULL);
-        g_value_take_string (value, id);
+    case PROP_ENTRY_ID:
+        g_value_take_string (value, editor::num_id_of (window->priv->entry.get ()));
         break;
-    }
     default:
         G_OBJECT_WARN_INVALID_PROPERTY_ID (object, prop_id, pspec);
     }
@@ -992,10 +975,7 @@ tav_calendar_event_window_dispose (GObject *object)
     if (!priv->disposed) {
         priv->disposed = TRUE;
         priv->entry = nullptr;
-        if (GtkWidget *note = tav_calendar_dialog_get_modal_widget_ptr (TAV_CALENDAR_DIALOG (window))) {
-            tav_calendar_dialog_reset_modal_widget_ptr (TAV_CALENDAR_DIALOG (window));
-            gtk_dialog_response (GTK_DIALOG (note), GTK_RESPONSE_CANCEL);
-        }
+        editor::close_modal_note (TAV_CALENDAR_DIALOG (window));
     }
     G_OBJECT_CLASS (tav_calendar_event_window_parent_class)->dispose (object);
 }
@@ -1079,9 +1059,7 @@ tav_calendar_event_window_add_source (TavCalendarEventWindow *window, TavCalenda
 {
     g_return_if_fail (TAV_IS_CALENDAR_EVENT_WINDOW (window));
     g_return_if_fail (TAV_IS_CALENDAR_SOURCE(source));
-    TavCalendarButton *button = TAV_CALENDAR_BUTTON (window->priv->calendar_button);
-    if (tav_calendar_button_add_calendar (button, source))
-        tav_calendar_button_set_selected_calendar (button, source);
+    editor::offer_calendar (window->priv->calendar_button, nullptr, source);
 }
 
 void

@@ -158,8 +158,6 @@ create_new_note (TavCalendarNoteWindow *window, TavCalendarEntry *moving = nullp
     return nullptr;
 }
 
-static const char *const kSavedProperties[] = {"title", "description", "start-time", "modification-date",
-                                               "start-year", "start-month", "start-day"};
 
 static void
 save_existing_note (TavCalendarNoteWindow *window)
@@ -168,13 +166,9 @@ save_existing_note (TavCalendarNoteWindow *window)
     g_assert (TAV_IS_CALENDAR_NOTE(window->priv->note.get ()));
     GObject *object = G_OBJECT (priv->note.get ());
 
-    std::vector<GValue> before (G_N_ELEMENTS (kSavedProperties));
-    for (size_t i = 0; i < before.size (); ++i) {
-        GParamSpec *spec = g_object_class_find_property (G_OBJECT_GET_CLASS (object), kSavedProperties[i]);
-        before[i] = G_VALUE_INIT;
-        g_value_init (&before[i], spec->value_type);
-        g_object_get_property (object, kSavedProperties[i], &before[i]);
-    }
+    /* Put back if the calendar refuses the save. */
+    editor::PropertySnapshot before (object, {"title", "description", "start-time", "modification-date", "start-year",
+                                              "start-month", "start-day"});
 
     tav_copy_widgets_to_properties (object, "title", priv->text_view, "description", priv->text_view, NULL);
     TavTimestamp now;
@@ -187,13 +181,10 @@ save_existing_note (TavCalendarNoteWindow *window)
     if (error == CalendarNoError) {
         g_signal_emit (window, signals[NOTE_SAVED], 0, object);
     } else {
-        for (size_t i = 0; i < before.size (); ++i)
-            g_object_set_property (object, kSavedProperties[i], &before[i]);
+        before.restore ();
         TAV_WARNING ("Unable to save note to database!");
         editor::report_error (TAV_CALENDAR_DIALOG (window), error);
     }
-    for (GValue &value : before)
-        g_value_unset (&value);
 }
 
 static void
@@ -381,13 +372,9 @@ tav_calendar_note_window_get_property (GObject *object, guint prop_id, GValue *v
     case PROP_TIME_24HR_FORMAT:
         g_value_set_boolean (value, priv->time_24hr_format);
         break;
-    case PROP_ENTRY_ID: {
-        char *id = nullptr;
-        if (priv->note)
-            g_object_get (priv->note.get (), "num-id", &id, NULL);
-        g_value_take_string (value, id);
+    case PROP_ENTRY_ID:
+        g_value_take_string (value, editor::num_id_of (priv->note.get ()));
         break;
-    }
     default:
         G_OBJECT_WARN_INVALID_PROPERTY_ID (object, prop_id, pspec);
     }
@@ -401,10 +388,7 @@ tav_calendar_note_window_dispose (GObject *object)
     if (!priv->disposed) {
         priv->disposed = TRUE;
         priv->note = nullptr;
-        if (GtkWidget *note = tav_calendar_dialog_get_modal_widget_ptr (TAV_CALENDAR_DIALOG (window))) {
-            tav_calendar_dialog_reset_modal_widget_ptr (TAV_CALENDAR_DIALOG (window));
-            gtk_dialog_response (GTK_DIALOG (note), GTK_RESPONSE_CANCEL);
-        }
+        editor::close_modal_note (TAV_CALENDAR_DIALOG (window));
     }
     G_OBJECT_CLASS (tav_calendar_note_window_parent_class)->dispose (object);
 }
@@ -475,10 +459,7 @@ tav_calendar_note_window_add_source (TavCalendarNoteWindow *window, TavCalendarS
 {
     g_return_if_fail (TAV_IS_CALENDAR_NOTE_WINDOW(window));
     g_return_if_fail (TAV_IS_CALENDAR_SOURCE(source));
-    TavCalendarButton *button = TAV_CALENDAR_BUTTON (window->priv->calendar_button);
-    if (tav_calendar_button_add_calendar (button, source))
-        tav_calendar_button_set_selected_calendar (button, source);
-    gtk_widget_set_sensitive (window->priv->save_button, tav_calendar_button_get_calendar_count (button) > 0);
+    editor::offer_calendar (window->priv->calendar_button, window->priv->save_button, source);
 }
 
 void

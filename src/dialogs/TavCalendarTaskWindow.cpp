@@ -286,9 +286,6 @@ create_new_task (TavCalendarTaskWindow *window, TavCalendarEntry *moving = nullp
     return nullptr;
 }
 
-/* The properties Save writes into an edited task, kept so that a refused
- * save leaves the task as its calendar still has it. */
-static const char *const kSavedProperties[] = {"start-date", "end-date", "alarm-time", "alarm-code", "done", "title"};
 
 static void
 save_existing_task (TavCalendarTaskWindow *window)
@@ -297,13 +294,8 @@ save_existing_task (TavCalendarTaskWindow *window)
     g_assert (TAV_IS_CALENDAR_TASK(window->priv->task.get ()));
     GObject *object = G_OBJECT (priv->task.get ());
 
-    std::vector<GValue> before (G_N_ELEMENTS (kSavedProperties));
-    for (size_t i = 0; i < before.size (); ++i) {
-        GParamSpec *spec = g_object_class_find_property (G_OBJECT_GET_CLASS (object), kSavedProperties[i]);
-        before[i] = G_VALUE_INIT;
-        g_value_init (&before[i], spec->value_type);
-        g_object_get_property (object, kSavedProperties[i], &before[i]);
-    }
+    /* Put back if the calendar refuses the save. */
+    editor::PropertySnapshot before (object, {"start-date", "end-date", "alarm-time", "alarm-code", "done", "title"});
 
     const gboolean done = gtk_toggle_button_get_active (GTK_TOGGLE_BUTTON (priv->done_button));
     /* The due date is the task's only day: its end follows its start. */
@@ -320,13 +312,10 @@ save_existing_task (TavCalendarTaskWindow *window)
     if (error == CalendarNoError) {
         g_signal_emit (window, signals[TASK_SAVED], 0, object);
     } else {
-        for (size_t i = 0; i < before.size (); ++i)
-            g_object_set_property (object, kSavedProperties[i], &before[i]);
+        before.restore ();
         TAV_WARNING ("Unable to save task to database!");
         editor::report_error (TAV_CALENDAR_DIALOG (window), error);
     }
-    for (GValue &value : before)
-        g_value_unset (&value);
 }
 
 static void
@@ -551,13 +540,9 @@ tav_calendar_task_window_get_property (GObject *object, guint prop_id, GValue *v
     case PROP_DESCRIPTION:
         g_value_set_string (value, window->priv->description.c_str ());
         break;
-    case PROP_ENTRY_ID: {
-        char *id = nullptr;
-        if (window->priv->task)
-            g_object_get (window->priv->task.get (), "num-id", &id, NULL);
-        g_value_take_string (value, id);
+    case PROP_ENTRY_ID:
+        g_value_take_string (value, editor::num_id_of (window->priv->task.get ()));
         break;
-    }
     default:
         G_OBJECT_WARN_INVALID_PROPERTY_ID (object, prop_id, pspec);
     }
@@ -571,10 +556,7 @@ tav_calendar_task_window_dispose (GObject *object)
     if (!priv->disposed) {
         priv->disposed = TRUE;
         priv->task = nullptr;
-        if (GtkWidget *note = tav_calendar_dialog_get_modal_widget_ptr (TAV_CALENDAR_DIALOG (window))) {
-            tav_calendar_dialog_reset_modal_widget_ptr (TAV_CALENDAR_DIALOG (window));
-            gtk_dialog_response (GTK_DIALOG (note), GTK_RESPONSE_CANCEL);
-        }
+        editor::close_modal_note (TAV_CALENDAR_DIALOG (window));
     }
     G_OBJECT_CLASS (tav_calendar_task_window_parent_class)->dispose (object);
 }
@@ -648,10 +630,7 @@ tav_calendar_task_window_add_source (TavCalendarTaskWindow *window, TavCalendarS
 {
     g_return_if_fail (TAV_IS_CALENDAR_TASK_WINDOW(window));
     g_return_if_fail (TAV_IS_CALENDAR_SOURCE(source));
-    TavCalendarButton *button = TAV_CALENDAR_BUTTON (window->priv->calendar_button);
-    if (tav_calendar_button_add_calendar (button, source))
-        tav_calendar_button_set_selected_calendar (button, source);
-    gtk_widget_set_sensitive (window->priv->save_button, tav_calendar_button_get_calendar_count (button) > 0);
+    editor::offer_calendar (window->priv->calendar_button, window->priv->save_button, source);
 }
 
 void

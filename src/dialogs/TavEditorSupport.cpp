@@ -143,6 +143,54 @@ void select_own_calendar (GtkWidget *button, TavCalendarEntry *entry)
         tav_calendar_button_select_first_full (TAV_CALENDAR_BUTTON (button));
 }
 
+void offer_calendar (GtkWidget *button, GtkWidget *save, TavCalendarSource *source)
+{
+    TavCalendarButton *calendars = TAV_CALENDAR_BUTTON (button);
+    if (tav_calendar_button_add_calendar (calendars, source))
+        tav_calendar_button_set_selected_calendar (calendars, source);
+    if (save)
+        gtk_widget_set_sensitive (save, tav_calendar_button_get_calendar_count (calendars) > 0);
+}
+
+char *num_id_of (gpointer entry)
+{
+    char *id = nullptr;
+    if (entry)
+        g_object_get (entry, "num-id", &id, NULL);
+    return id;
+}
+
+void close_modal_note (TavCalendarDialog *dialog)
+{
+    if (GtkWidget *note = tav_calendar_dialog_get_modal_widget_ptr (dialog)) {
+        tav_calendar_dialog_reset_modal_widget_ptr (dialog);
+        gtk_dialog_response (GTK_DIALOG (note), GTK_RESPONSE_CANCEL);
+    }
+}
+
+PropertySnapshot::PropertySnapshot (GObject *object, std::initializer_list<const char *> names) : m_object (object)
+{
+    for (const char *name : names) {
+        GParamSpec *spec = g_object_class_find_property (G_OBJECT_GET_CLASS (object), name);
+        GValue value = G_VALUE_INIT;
+        g_value_init (&value, spec->value_type);
+        g_object_get_property (object, name, &value);
+        m_values.emplace_back (name, value);
+    }
+}
+
+PropertySnapshot::~PropertySnapshot ()
+{
+    for (auto &entry : m_values)
+        g_value_unset (&entry.second);
+}
+
+void PropertySnapshot::restore ()
+{
+    for (auto &entry : m_values)
+        g_object_set_property (m_object, entry.first, &entry.second);
+}
+
 void report_error (TavCalendarDialog *dialog, int code)
 {
     GCharPtr text (tav_calendar_get_error_string (static_cast<CalendarUiErrorCode> (code)));

@@ -9,11 +9,15 @@
 
 #include <gtk/gtk.h>
 
+#include <initializer_list>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "TavCalendarDialog.h"
 #include "TavCalendarEntry.h"
 #include "TavCalendarEnums.h"
+#include "TavCalendarSource.h"
 #include "TavDate.h"
 
 namespace tav::editor {
@@ -57,6 +61,32 @@ std::string with_title (const char *format, const char *title);
  * the calendar of @entry (NULL for a new one), or when that is not listed
  * the first visible calendar. */
 void select_own_calendar (GtkWidget *button, TavCalendarEntry *entry);
+
+/* Offers @source in an editor's calendar @button and chooses it (read-only
+ * sources are refused); @save rests while the button lists no calendar. */
+void offer_calendar (GtkWidget *button, GtkWidget *save, TavCalendarSource *source);
+
+/* The "num-id" of @entry (NULL for none), newly allocated. */
+char *num_id_of (gpointer entry);
+
+/* Answers (Cancel) and forgets the confirmation open over @dialog, for a
+ * dialog being disposed. */
+void close_modal_note (TavCalendarDialog *dialog);
+
+/* The values of some properties of an object, taken now, to be put back
+ * when a calendar refuses what was written into the object. */
+class PropertySnapshot {
+public:
+    PropertySnapshot (GObject *object, std::initializer_list<const char *> names);
+    ~PropertySnapshot ();
+    PropertySnapshot (const PropertySnapshot &) = delete;
+    PropertySnapshot &operator= (const PropertySnapshot &) = delete;
+    void restore ();
+
+private:
+    GObject *m_object;
+    std::vector<std::pair<const char *, GValue>> m_values;
+};
 
 /* Emits the dialog's "error" with the text of @code. */
 void report_error (TavCalendarDialog *dialog, int code);
