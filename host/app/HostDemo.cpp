@@ -164,15 +164,21 @@ Status seed_demo (Store &store, int64_t today)
     s.birthday (birthdays, "Grandpa's birthday", -8, 1941);
     s.birthday (birthdays, "Leo's birthday", 16, 2015);
 
-    /* Tasks and notes. */
-    s.task (personal, "Renew passport", 6, false);
+    /* Tasks and notes: overdue, today's and later ones, done and open. */
+    s.task (personal, "Renew passport", 6, true);
     s.task (personal, "Buy a present for Anna", 2, false);
     s.task (work, "Send the slides", -1, true);
-    s.task (work, "Book the train to Lyon", 5, false);
-    s.task (family, "Plan the summer trip", 14, false);
+    s.task (work, "Book the train to Lyon", 5, true);
+    s.task (family, "Plan the summer trip", 14, true);
+    s.task (personal, "Call the garage about the winter tyres and ask whether they can look at the brakes too", 0,
+            false);
+    s.task (work, "Hand in the expense report", -3, false);
+    s.task (family, "Water the plants while the neighbours are away on holiday", -2, true);
     s.note (personal, "Books to read", "The Name of the Rose\nStoner\nA Gentleman in Moscow", -5);
     s.note (work, "Conference ideas", "Talk about offline sync; ask about the hotel", 1);
     s.note (family, "Gift list", "Anna: scarf\nLeo: a football", -2);
+    s.note (personal, "Holiday packing list: passport, chargers, sun cream, the good camera and the spare batteries\n"
+                      "Book the airport parking", "", 0);
 
     if (!s.status.ok ()) {
         return s.status;

@@ -346,29 +346,36 @@ bool App::show (const std::string &name)
     } else if (name == "event") {
         const TavDateInterval day = {focus, focus};
         GList *entries = calendars->read_interval (day);
-        /* An event of that very day, a timed one when there is one. */
-        GList *event = nullptr;
+        /* An event of that day, a timed one when there is one; a repeating
+         * one only when it occurs that day, and shown on that day. */
+        TavCalendarEntry *event = nullptr;
         for (GList *l = entries; l; l = l->next) {
             if (TAV_IS_CALENDAR_TASK (l->data) || TAV_IS_CALENDAR_NOTE (l->data)) {
                 continue;
             }
-            TavDate *start = nullptr;
-            gboolean all_day = FALSE;
-            g_object_get (l->data, "start-date", &start, "all-day", &all_day, nullptr);
-            const bool that_day = start && tav_date_compare (start, &focus) == 0;
-            tav_date_free (start);
-            if (that_day && (!event || !all_day)) {
-                event = l;
+            gboolean repeats = FALSE;
+            g_object_get (l->data, "has-repeat", &repeats, nullptr);
+            const TavTimestamp *at = repeats ? tav_calendar_entry_get_first_instance_timestamp (TAV_CALENDAR_ENTRY (l->data), &day)
+                                             : nullptr;
+            if (repeats && (!at || tav_date_compare (&at->date, &focus) != 0)) {
+                continue;
+            }
+            if (!event || (tav_calendar_entry_is_all_day (event) && !tav_calendar_entry_is_all_day (TAV_CALENDAR_ENTRY (l->data)))) {
+                event = TAV_CALENDAR_ENTRY (l->data);
             }
         }
         if (event) {
-            open_event_view (*this, TAV_CALENDAR_ENTRY (event->data), &focus);
+            gboolean repeats = FALSE;
+            g_object_get (event, "has-repeat", &repeats, nullptr);
+            open_event_view (*this, event, repeats ? &focus : nullptr);
         } else {
             tav_calendar_window_show_event_view (window);
         }
         g_list_free_full (entries, g_object_unref);
     }
-    tav_calendar_window_read_database (window);
+    if (name != "tasks" && name != "notes") {
+        tav_calendar_window_read_database (window);
+    }
     return true;
 }
 
@@ -531,6 +538,11 @@ int render_views (App &app, const std::string &dir)
             continue;
         }
         app.show (name);
+        if (strcmp (name, "tasks") == 0 || strcmp (name, "notes") == 0) {
+            /* An empty list says so once its half-second check has run. */
+            flush ();
+            g_usleep (550000);
+        }
         if (!save_screen (app, dir, name)) {
             return 1;
         }

@@ -47,7 +47,10 @@
  *   banner saying why.
  * - The last repetition date never lies before the start. It defaults to one
  *   step of the repetition after the start (the next workday, the next day,
- *   week, month or year) until the user picks one.
+ *   week, month or year) until the user picks one. An entry that repeats
+ *   without end (its last repetition date is its own end date) shows
+ *   "Forever" and keeps repeating without end whatever else changes, until
+ *   the user picks a last date.
  * - The repeat picker offers only what fits the event: "every day" and
  *   "every workday" for events within one day ("every workday" only when
  *   the start is a Monday to Friday), "every week" for events shorter than a

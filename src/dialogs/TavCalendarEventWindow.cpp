@@ -81,6 +81,9 @@ struct _TavCalendarEventWindowPrivate {
     gboolean complex = FALSE;
     /* The user picked the last repetition date (else it follows the start). */
     gboolean until_chosen = FALSE;
+    /* The repetition has no end: the entry says so with a last date equal
+     * to its own end date, which then moves with the end. */
+    gboolean until_forever = FALSE;
     std::string initial_title;
 
     GtkWidget *title_entry = nullptr;
@@ -220,7 +223,11 @@ show_dates (TavCalendarEventWindow *window)
     show_time (priv->start_time_button, priv->start_time);
     show_date (priv->end_date_button, priv->end_date);
     show_time (priv->end_time_button, priv->end_time);
+    if (priv->until_forever)
+        priv->until = priv->end_date;
     show_date (priv->until_button, priv->until);
+    if (priv->until_forever)
+        kivo_button_set_value (KIVO_BUTTON (priv->until_button), TAV_CAL ("cal_va_repeat_forever"));
     show_time (priv->alarm_time_button, priv->alarm_time);
     gtk_widget_set_visible (priv->start_time_button, !priv->all_day);
     gtk_widget_set_visible (priv->end_time_button, !priv->all_day);
@@ -315,6 +322,10 @@ static void
 adjust_default_end_rep_date (TavCalendarEventWindow *window)
 {
     TavCalendarEventWindowPrivate *priv = window->priv;
+    if (priv->until_forever) {
+        priv->until = priv->end_date;
+        return;
+    }
     const TavDate fallback = editor::default_until (priv->processor.get (), priv->start_date, priv->repeat_code);
     if (!priv->until_chosen || tav_date_compare (&priv->until, &priv->start_date) < 0)
         priv->until = fallback;
@@ -418,6 +429,7 @@ on_until_changed_cb (GtkWidget *button, gpointer data)
     } else {
         priv->until = chosen;
         priv->until_chosen = TRUE;
+        priv->until_forever = FALSE;
     }
     show_dates (window);
 }
@@ -437,6 +449,8 @@ on_repeat_changed_cb (GtkWidget *button, gpointer data)
     if (code == priv->repeat_code)
         return;
     priv->repeat_code = code;
+    if (code == TavCalendarRepeatsNoRepeat)
+        priv->until_forever = FALSE;
     if (code != TavCalendarRepeatsComplex && priv->complex) {
         priv->complex = FALSE;
         rebuild_repeat_rows (window);
@@ -787,6 +801,7 @@ reset_window_from_event (TavCalendarEventWindow *window)
     priv->alarm_code = static_cast<TavCalendarAlarmCode> (CLAMP (alarm, 0, TavCalendarAlarmDayBefore));
     priv->complex = has_rrule || priv->repeat_code == TavCalendarRepeatsComplex;
     priv->until_chosen = priv->repeat_code != TavCalendarRepeatsNoRepeat;
+    priv->until_forever = priv->until_chosen && !priv->complex && tav_date_compare (&priv->until, &priv->end_date) == 0;
     if (priv->repeat_code == TavCalendarRepeatsNoRepeat)
         priv->until = editor::default_until (priv->processor.get (), priv->start_date, priv->repeat_code);
     tav_date_free (start_date);

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 #include "KivoNote.h"
 #include "KivoStyle.h"
@@ -282,20 +283,98 @@ bool row_at (GtkTreeView *tree, GdkEventButton *event, GtkTreePath **path, GtkTr
     if (gtk_tree_view_get_path_at_pos (tree, x, y, path, column, nullptr, nullptr))
         return true;
     /* Below the last row: the column is found from x alone. */
+    GList *columns = gtk_tree_view_get_columns (tree);
     int left = 0;
-    for (GList *l = gtk_tree_view_get_columns (tree), *c = l; c; c = c->next) {
-        auto *col = GTK_TREE_VIEW_COLUMN (c->data);
-        const int w = gtk_tree_view_column_get_width (col);
-        if (x >= left && x < left + w) {
-            *column = col;
-            g_list_free (l);
-            return false;
-        }
+    for (GList *c = columns; c && !*column; c = c->next) {
+        const int w = gtk_tree_view_column_get_width (GTK_TREE_VIEW_COLUMN (c->data));
+        if (x >= left && x < left + w)
+            *column = GTK_TREE_VIEW_COLUMN (c->data);
         left += w;
-        if (!c->next)
-            g_list_free (l);
     }
+    g_list_free (columns);
     return false;
+}
+
+void TapTracker::reset ()
+{
+    m_pressed = false;
+    g_clear_pointer (&m_path, gtk_tree_path_free);
+}
+
+void TapTracker::press (GtkTreeView *tree, GdkEventButton *event)
+{
+    if (event->type != GDK_BUTTON_PRESS)
+        return;
+    reset ();
+    m_pressed = event->button == 1;
+    GtkTreeViewColumn *column = nullptr;
+    if (m_pressed)
+        row_at (tree, event, &m_path, &column);
+}
+
+bool TapTracker::release (GtkTreeView *tree, GdkEventButton *event, GtkTreePath **path, GtkTreeViewColumn **column)
+{
+    const bool pressed = m_pressed && event->button == 1;
+    GtkTreePath *start = std::exchange (m_path, nullptr);
+    m_pressed = false;
+    *path = nullptr;
+    *column = nullptr;
+    bool same = false;
+    if (pressed) {
+        const bool on_row = row_at (tree, event, path, column);
+        same = on_row ? start && gtk_tree_path_compare (*path, start) == 0 : !start;
+    }
+    if (start)
+        gtk_tree_path_free (start);
+    if (!same || !*column)
+        g_clear_pointer (path, gtk_tree_path_free);
+    return same && *column;
+}
+
+GObject *entry_under_press (GtkTreeView *tree, GdkEvent *event)
+{
+    GtkTreePath *path = nullptr;
+    GtkTreeViewColumn *column = nullptr;
+    GtkTreeIter iter;
+    GObject *entry = nullptr;
+    GtkTreeModel *model = gtk_tree_view_get_model (tree);
+    if (event && event->type == GDK_BUTTON_PRESS && model && row_at (tree, &event->button, &path, &column)
+        && gtk_tree_model_get_iter (model, &iter, path))
+        gtk_tree_model_get (model, &iter, 0, &entry, -1);
+    gtk_tree_path_free (path);
+    return entry;
+}
+
+void popup_menu (GtkWidget *menu)
+{
+    gtk_menu_popup (GTK_MENU (menu), nullptr, nullptr, nullptr, nullptr, 1, gtk_get_current_event_time ());
+}
+
+void destroy_menu (GtkWidget **menu)
+{
+    if (*menu) {
+        gtk_widget_destroy (*menu);
+        g_object_unref (*menu);
+        *menu = nullptr;
+    }
+}
+
+void emit_read_detached (GtkTreeView *tree, GtkTreeModel *model, guint signal_id, const bool *disposed)
+{
+    const bool attached = gtk_tree_view_get_model (tree) == model;
+    if (attached)
+        gtk_tree_view_set_model (tree, nullptr);
+    gboolean handled = FALSE;
+    g_signal_emit (tree, signal_id, 0, &handled);
+    if (attached && !*disposed)
+        gtk_tree_view_set_model (tree, model);
+}
+
+void paint_overlay (GtkTreeView *tree, GdkEventExpose *event, bool empty, const char *text)
+{
+    paint_row_rules (tree, event);
+    if (empty && event->window == gtk_tree_view_get_bin_window (tree))
+        paint_no_entries (tree, text);
 }
 
 } // namespace tav::lists

@@ -57,6 +57,40 @@ GtkWidget *build_delete_menu (GCallback on_delete, gpointer view);
  * FALSE when no row is there (*@column is still set from @x). */
 bool row_at (GtkTreeView *tree, GdkEventButton *event, GtkTreePath **path, GtkTreeViewColumn **column);
 
+/* A tap on the list: where a press started, checked against its release. */
+class TapTracker {
+public:
+    ~TapTracker () { reset (); }
+    void reset ();
+    /* A plain press of the first button starts a tap (the extra event of a
+     * double click does not). */
+    void press (GtkTreeView *tree, GdkEventButton *event);
+    /* TRUE when @event ends a tap that began on the same row, or below the
+     * rows where it ends: *@path (NULL below the rows, free it) and
+     * *@column tell where. */
+    bool release (GtkTreeView *tree, GdkEventButton *event, GtkTreePath **path, GtkTreeViewColumn **column);
+
+private:
+    bool m_pressed = false;
+    GtkTreePath *m_path = nullptr;
+};
+
+/* The object in @model's first column on the row under a tap-and-hold
+ * press, with a new reference; NULL elsewhere. */
+GObject *entry_under_press (GtkTreeView *tree, GdkEvent *event);
+void popup_menu (GtkWidget *menu);
+/* Destroys and releases the context menu, if built. */
+void destroy_menu (GtkWidget **menu);
+
+/* Emits @signal_id ("database-access-read") with @model taken from the
+ * tree for the emission, so that an owner appending while it answers
+ * does not have the tree follow every row; the tree takes the list whole
+ * afterwards (unless the view went away meanwhile). */
+void emit_read_detached (GtkTreeView *tree, GtkTreeModel *model, guint signal_id, const bool *disposed);
+
+/* What the lists paint over the tree: the rules, and @text while @empty. */
+void paint_overlay (GtkTreeView *tree, GdkEventExpose *event, bool empty, const char *text);
+
 } // namespace tav::lists
 
 #endif /* TAV_LIST_VIEW_COMMON_H */

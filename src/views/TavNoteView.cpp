@@ -37,7 +37,7 @@ struct _TavNoteViewPrivate {
     bool show_no_entries = false;
     GtkWidget *menu = nullptr;
     tav::GRefPtr<TavCalendarNote> note_for_csm;
-    GtkTreePath *press_path = nullptr;
+    TapTracker tap;
 };
 
 G_DEFINE_TYPE_WITH_PRIVATE (TavNoteView, tav_note_view, GTK_TYPE_TREE_VIEW)
@@ -111,13 +111,7 @@ static gboolean note_view_empty_check_cb (gpointer data)
 
 static gboolean tav_note_view_button_press (GtkWidget *widget, GdkEventButton *event)
 {
-    TavNoteViewPrivate *priv = TAV_NOTE_VIEW (widget)->priv;
-    /* A quick second tap also brings a double-click event: it is no new press. */
-    if (event->type == GDK_BUTTON_PRESS)
-        g_clear_pointer (&priv->press_path, gtk_tree_path_free);
-    GtkTreeViewColumn *column = nullptr;
-    if (event->type == GDK_BUTTON_PRESS && event->button == 1)
-        row_at (GTK_TREE_VIEW (widget), event, &priv->press_path, &column);
+    TAV_NOTE_VIEW (widget)->priv->tap.press (GTK_TREE_VIEW (widget), event);
     return GTK_WIDGET_CLASS (tav_note_view_parent_class)->button_press_event (widget, event);
 }
 
@@ -126,26 +120,18 @@ static gboolean tav_note_view_button_release (GtkWidget *widget, GdkEventButton 
     TavNoteView *noteview = TAV_NOTE_VIEW (widget);
     TavNoteViewPrivate *priv = noteview->priv;
     const gboolean handled = GTK_WIDGET_CLASS (tav_note_view_parent_class)->button_release_event (widget, event);
-    GtkTreePath *pressed = priv->press_path;
-    priv->press_path = nullptr;
-    /* Only a tap that starts and ends on one row counts. */
-    if (!pressed || event->button != 1) {
-        if (pressed)
-            gtk_tree_path_free (pressed);
-        return handled;
-    }
     GtkTreePath *path = nullptr;
     GtkTreeViewColumn *column = nullptr;
+    if (!priv->tap.release (GTK_TREE_VIEW (widget), event, &path, &column))
+        return handled;
     GtkTreeIter iter;
-    if (row_at (GTK_TREE_VIEW (widget), event, &path, &column) && gtk_tree_path_compare (path, pressed) == 0
-        && gtk_tree_model_get_iter (GTK_TREE_MODEL (priv->store.get ()), &iter, path)) {
+    if (path && gtk_tree_model_get_iter (GTK_TREE_MODEL (priv->store.get ()), &iter, path)) {
         if (TavCalendarNote *note = note_at (noteview, &iter))
             g_signal_emit (noteview, signals[NOTE_ACTIVATED], 0, note);
         else
             g_signal_emit (noteview, signals[INSERT_ACTIVATED], 0, static_cast<guint> (event->time));
     }
     gtk_tree_path_free (path);
-    gtk_tree_path_free (pressed);
     return TRUE;
 }
 
@@ -175,17 +161,9 @@ static void note_view_csm_delete_clicked (GtkWidget *, TavNoteView *noteview)
 
 static gboolean on_tap_and_hold_query_cb (GtkWidget *widget, GdkEvent *event, gpointer)
 {
-    TavNoteView *noteview = TAV_NOTE_VIEW (widget);
-    TavNoteViewPrivate *priv = noteview->priv;
-    priv->note_for_csm = nullptr;
-    GtkTreePath *path = nullptr;
-    GtkTreeViewColumn *column = nullptr;
-    GtkTreeIter iter;
-    if (event && event->type == GDK_BUTTON_PRESS
-        && row_at (GTK_TREE_VIEW (noteview), &event->button, &path, &column)
-        && gtk_tree_model_get_iter (GTK_TREE_MODEL (priv->store.get ()), &iter, path))
-        priv->note_for_csm = tav::GRefPtr<TavCalendarNote> (note_at (noteview, &iter));
-    gtk_tree_path_free (path);
+    TavNoteViewPrivate *priv = TAV_NOTE_VIEW (widget)->priv;
+    priv->note_for_csm = tav::adoptGRef (reinterpret_cast<TavCalendarNote *> (
+        entry_under_press (GTK_TREE_VIEW (widget), event)));
     /* TRUE refuses the hold: only a note has a menu. */
     return priv->note_for_csm ? FALSE : TRUE;
 }
@@ -196,9 +174,8 @@ static void on_tap_and_hold_cb (GtkWidget *widget, gpointer)
     if (!noteview->priv->note_for_csm)
         return;
     /* The hold is not a tap. */
-    g_clear_pointer (&noteview->priv->press_path, gtk_tree_path_free);
-    gtk_menu_popup (GTK_MENU (_tav_note_view_get_context_menu (noteview)), nullptr, nullptr, nullptr, nullptr, 1,
-                    gtk_get_current_event_time ());
+    noteview->priv->tap.reset ();
+    popup_menu (_tav_note_view_get_context_menu (noteview));
 }
 
 /* Widget -------------------------------------------------------------------------------- */
@@ -207,10 +184,8 @@ static gboolean tav_note_view_expose (GtkWidget *widget, GdkEventExpose *event)
 {
     TavNoteView *noteview = TAV_NOTE_VIEW (widget);
     const gboolean handled = GTK_WIDGET_CLASS (tav_note_view_parent_class)->expose_event (widget, event);
-    paint_row_rules (GTK_TREE_VIEW (widget), event);
-    if (noteview->priv->show_no_entries && noteview->priv->rows.empty ()
-        && event->window == gtk_tree_view_get_bin_window (GTK_TREE_VIEW (widget)))
-        paint_no_entries (GTK_TREE_VIEW (widget), TAV_CAL ("cal_fi_no_notes"));
+    paint_overlay (GTK_TREE_VIEW (widget), event, _tav_note_view_shows_no_entries (noteview),
+                   TAV_CAL ("cal_fi_no_notes"));
     return handled;
 }
 
@@ -220,13 +195,9 @@ static void tav_note_view_dispose (GObject *object)
     if (!priv->dispose_has_run) {
         priv->dispose_has_run = true;
         cancel_empty_check (&priv->empty_check_id);
-        if (priv->menu) {
-            gtk_widget_destroy (priv->menu);
-            g_object_unref (priv->menu);
-            priv->menu = nullptr;
-        }
+        destroy_menu (&priv->menu);
         priv->note_for_csm = nullptr;
-        g_clear_pointer (&priv->press_path, gtk_tree_path_free);
+        priv->tap.reset ();
         priv->rows.clear ();
         if (priv->store)
             gtk_list_store_clear (priv->store.get ());
@@ -300,8 +271,8 @@ GtkWidget *tav_note_view_new (void)
 void tav_note_view_read_database (TavNoteView *noteview)
 {
     g_return_if_fail (TAV_IS_NOTE_VIEW(noteview));
-    gboolean handled = FALSE;
-    g_signal_emit (noteview, signals[DATABASE_ACCESS_READ], 0, &handled);
+    emit_read_detached (GTK_TREE_VIEW (noteview), GTK_TREE_MODEL (noteview->priv->store.get ()),
+                        signals[DATABASE_ACCESS_READ], &noteview->priv->dispose_has_run);
 }
 
 void tav_note_view_append_note (TavNoteView *noteview, TavCalendarNote *note)

@@ -46,14 +46,14 @@ struct _TavTaskViewPrivate {
     GtkTreeViewColumn *status_column = nullptr;
     tav::GRefPtr<GdkPixbuf> open_icon, done_icon, add_icon, alarm_icon;
     std::unordered_map<TavCalendarTask *, Row> rows;
+    /* Rows by their position in the store's sequence (see row_record). */
+    std::unordered_map<gpointer, const Row *> by_position;
     guint empty_check_id = 0;
     bool show_no_entries = false;
+    bool resize_queued = false;
     GtkWidget *menu = nullptr;
     tav::GRefPtr<TavCalendarTask> task_for_csm;
-    /* The row a press started on (NULL: below the rows), so that only a
-     * tap on one row counts. */
-    bool pressed = false;
-    GtkTreePath *press_path = nullptr;
+    TapTracker tap;
 };
 
 G_DEFINE_TYPE_WITH_PRIVATE (TavTaskView, tav_task_view, GTK_TYPE_TREE_VIEW)
@@ -70,27 +70,43 @@ static TavCalendarTask *task_at (TavTaskView *taskview, GtkTreeIter *iter)
     return task;
 }
 
+/* The record behind a store row, NULL for a row without a task. The
+ * comparisons run often (a few dozen per appended task), so each row's
+ * record is looked up once by its task and then found by the row's
+ * GSequence position, which a GtkListStore keeps in the iterator's
+ * user_data for the row's whole life. */
+static const Row *row_record (GtkTreeModel *model, GtkTreeIter *iter, TavTaskViewPrivate *priv, Row *scratch)
+{
+    auto known = priv->by_position.find (iter->user_data);
+    if (known != priv->by_position.end ())
+        return known->second;
+    TavCalendarTask *task = nullptr;
+    gtk_tree_model_get (model, iter, TAV_TASK_VIEW_COLUMN_TASK, &task, -1);
+    if (!task) {
+        priv->by_position.emplace (iter->user_data, nullptr);
+        return nullptr;
+    }
+    const Row *row = nullptr;
+    auto it = priv->rows.find (task);
+    if (it != priv->rows.end ()) {
+        row = &it->second;
+        priv->by_position.emplace (iter->user_data, row);
+    } else {
+        /* A row someone else put in the store: sorted, never cached. */
+        scratch->key = task_sort_key (task_fields_read (task));
+        row = scratch;
+    }
+    g_object_unref (task);
+    return row;
+}
+
 static gint task_view_sort_func (GtkTreeModel *model, GtkTreeIter *a, GtkTreeIter *b, gpointer data)
 {
     TavTaskViewPrivate *priv = static_cast<TavTaskViewPrivate *> (data);
-    const TaskSortKey *keys[2] = { nullptr, nullptr };
-    GtkTreeIter *iters[2] = { a, b };
-    TaskSortKey computed[2];
-    for (int i = 0; i < 2; ++i) {
-        TavCalendarTask *task = nullptr;
-        gtk_tree_model_get (model, iters[i], TAV_TASK_VIEW_COLUMN_TASK, &task, -1);
-        if (!task)
-            continue;
-        auto it = priv->rows.find (task);
-        if (it != priv->rows.end ()) {
-            keys[i] = &it->second.key;
-        } else {
-            computed[i] = task_sort_key (task_fields_read (task));
-            keys[i] = &computed[i];
-        }
-        g_object_unref (task);
-    }
-    return task_sort_key_compare (keys[0], keys[1]);
+    Row scratch[2];
+    const Row *ra = row_record (model, a, priv, &scratch[0]);
+    const Row *rb = row_record (model, b, priv, &scratch[1]);
+    return task_sort_key_compare (ra ? &ra->key : nullptr, rb ? &rb->key : nullptr);
 }
 
 /* Writes the row of @task from its properties (the sort key first: the
@@ -204,16 +220,7 @@ static void on_task_status_column_clicked (TavTaskView *taskview, GdkEventButton
 
 static gboolean tav_task_view_button_press (GtkWidget *widget, GdkEventButton *event)
 {
-    TavTaskView *taskview = TAV_TASK_VIEW (widget);
-    TavTaskViewPrivate *priv = taskview->priv;
-    /* A quick second tap also brings a double-click event: it is no new press. */
-    if (event->type == GDK_BUTTON_PRESS) {
-        g_clear_pointer (&priv->press_path, gtk_tree_path_free);
-        priv->pressed = event->button == 1;
-        GtkTreeViewColumn *column = nullptr;
-        if (priv->pressed)
-            row_at (GTK_TREE_VIEW (taskview), event, &priv->press_path, &column);
-    }
+    TAV_TASK_VIEW (widget)->priv->tap.press (GTK_TREE_VIEW (widget), event);
     return GTK_WIDGET_CLASS (tav_task_view_parent_class)->button_press_event (widget, event);
 }
 
@@ -222,26 +229,14 @@ static gboolean tav_task_view_button_release (GtkWidget *widget, GdkEventButton 
     TavTaskView *taskview = TAV_TASK_VIEW (widget);
     TavTaskViewPrivate *priv = taskview->priv;
     const gboolean handled = GTK_WIDGET_CLASS (tav_task_view_parent_class)->button_release_event (widget, event);
-    GtkTreePath *pressed = priv->press_path;
-    const bool was_pressed = priv->pressed;
-    priv->press_path = nullptr;
-    priv->pressed = false;
-    if (!was_pressed || event->button != 1)
-        return handled;
     GtkTreePath *path = nullptr;
     GtkTreeViewColumn *column = nullptr;
-    const bool on_row = row_at (GTK_TREE_VIEW (taskview), event, &path, &column);
-    /* A tap starts and ends on one row, or both below the rows. */
-    const bool same = on_row ? pressed && gtk_tree_path_compare (path, pressed) == 0 : !pressed;
-    if (pressed)
-        gtk_tree_path_free (pressed);
-    if (!same || !column) {
-        gtk_tree_path_free (path);
+    if (!priv->tap.release (GTK_TREE_VIEW (widget), event, &path, &column))
         return handled;
-    }
     /* What the row is must be known before a tick moves it. */
     GtkTreeIter iter;
-    const bool is_row = on_row && gtk_tree_model_get_iter (GTK_TREE_MODEL (priv->store.get ()), &iter, path);
+    const bool is_row = path && gtk_tree_model_get_iter (GTK_TREE_MODEL (priv->store.get ()), &iter, path);
+    gtk_tree_path_free (path);
     TavCalendarTask *task = is_row ? task_at (taskview, &iter) : nullptr;
     if (column == priv->status_column)
         on_task_status_column_clicked (taskview, event);
@@ -249,7 +244,6 @@ static gboolean tav_task_view_button_release (GtkWidget *widget, GdkEventButton 
         g_signal_emit (taskview, signals[INSERT_ACTIVATED], 0, static_cast<guint> (event->time));
     else if (task && column != priv->status_column)
         g_signal_emit (taskview, signals[TASK_ACTIVATED], 0, task);
-    gtk_tree_path_free (path);
     return TRUE;
 }
 
@@ -283,17 +277,9 @@ static void task_view_csm_delete_clicked (GtkWidget *, TavTaskView *taskview)
 
 static gboolean on_tap_and_hold_query_cb (GtkWidget *widget, GdkEvent *event, gpointer)
 {
-    TavTaskView *taskview = TAV_TASK_VIEW (widget);
-    TavTaskViewPrivate *priv = taskview->priv;
-    priv->task_for_csm = nullptr;
-    GtkTreePath *path = nullptr;
-    GtkTreeViewColumn *column = nullptr;
-    GtkTreeIter iter;
-    if (event && event->type == GDK_BUTTON_PRESS
-        && row_at (GTK_TREE_VIEW (taskview), &event->button, &path, &column)
-        && gtk_tree_model_get_iter (GTK_TREE_MODEL (priv->store.get ()), &iter, path))
-        priv->task_for_csm = tav::GRefPtr<TavCalendarTask> (task_at (taskview, &iter));
-    gtk_tree_path_free (path);
+    TavTaskViewPrivate *priv = TAV_TASK_VIEW (widget)->priv;
+    priv->task_for_csm = tav::adoptGRef (reinterpret_cast<TavCalendarTask *> (
+        entry_under_press (GTK_TREE_VIEW (widget), event)));
     /* TRUE refuses the hold: only a task has a menu. */
     return priv->task_for_csm ? FALSE : TRUE;
 }
@@ -301,26 +287,27 @@ static gboolean on_tap_and_hold_query_cb (GtkWidget *widget, GdkEvent *event, gp
 static void on_tap_and_hold_cb (GtkWidget *widget, gpointer)
 {
     TavTaskView *taskview = TAV_TASK_VIEW (widget);
-    TavTaskViewPrivate *priv = taskview->priv;
-    if (!priv->task_for_csm)
+    if (!taskview->priv->task_for_csm)
         return;
     /* The hold is not a tap. */
-    g_clear_pointer (&priv->press_path, gtk_tree_path_free);
-    priv->pressed = false;
-    gtk_menu_popup (GTK_MENU (_tav_task_view_get_context_menu (taskview)), nullptr, nullptr, nullptr, nullptr, 1,
-                    gtk_get_current_event_time ());
+    taskview->priv->tap.reset ();
+    popup_menu (_tav_task_view_get_context_menu (taskview));
 }
 
 /* Widget -------------------------------------------------------------------------------- */
+
+static void tav_task_view_size_request (GtkWidget *widget, GtkRequisition *requisition)
+{
+    TAV_TASK_VIEW (widget)->priv->resize_queued = false;
+    GTK_WIDGET_CLASS (tav_task_view_parent_class)->size_request (widget, requisition);
+}
 
 static gboolean tav_task_view_expose (GtkWidget *widget, GdkEventExpose *event)
 {
     TavTaskView *taskview = TAV_TASK_VIEW (widget);
     const gboolean handled = GTK_WIDGET_CLASS (tav_task_view_parent_class)->expose_event (widget, event);
-    paint_row_rules (GTK_TREE_VIEW (widget), event);
-    if (taskview->priv->show_no_entries && taskview->priv->rows.empty ()
-        && event->window == gtk_tree_view_get_bin_window (GTK_TREE_VIEW (widget)))
-        paint_no_entries (GTK_TREE_VIEW (widget), TAV_CAL ("cal_fi_no_tasks"));
+    paint_overlay (GTK_TREE_VIEW (widget), event, _tav_task_view_shows_no_entries (taskview),
+                   TAV_CAL ("cal_fi_no_tasks"));
     return handled;
 }
 
@@ -331,13 +318,10 @@ static void tav_task_view_dispose (GObject *object)
     if (!priv->dispose_has_run) {
         priv->dispose_has_run = true;
         cancel_empty_check (&priv->empty_check_id);
-        if (priv->menu) {
-            gtk_widget_destroy (priv->menu);
-            g_object_unref (priv->menu);
-            priv->menu = nullptr;
-        }
+        destroy_menu (&priv->menu);
         priv->task_for_csm = nullptr;
-        g_clear_pointer (&priv->press_path, gtk_tree_path_free);
+        priv->tap.reset ();
+        priv->by_position.clear ();
         priv->rows.clear ();
         if (priv->store)
             gtk_list_store_clear (priv->store.get ());
@@ -358,6 +342,7 @@ static void tav_task_view_class_init (TavTaskViewClass *klass)
     object_class->dispose = tav_task_view_dispose;
     object_class->finalize = tav_task_view_finalize;
     widget_class->expose_event = tav_task_view_expose;
+    widget_class->size_request = tav_task_view_size_request;
     widget_class->button_press_event = tav_task_view_button_press;
     widget_class->button_release_event = tav_task_view_button_release;
 
@@ -426,8 +411,8 @@ GtkWidget *tav_task_view_new (void)
 void tav_task_view_read_database (TavTaskView *taskview)
 {
     g_return_if_fail (TAV_IS_TASK_VIEW(taskview));
-    gboolean handled = FALSE;
-    g_signal_emit (taskview, signals[DATABASE_ACCESS_READ], 0, &handled);
+    emit_read_detached (GTK_TREE_VIEW (taskview), GTK_TREE_MODEL (taskview->priv->store.get ()),
+                        signals[DATABASE_ACCESS_READ], &taskview->priv->dispose_has_run);
 }
 
 void tav_task_view_append_task (TavTaskView *taskview, TavCalendarTask *task)
@@ -439,7 +424,12 @@ void tav_task_view_append_task (TavTaskView *taskview, TavCalendarTask *task)
     TavTaskViewPrivate *priv = taskview->priv;
     auto [it, inserted] = priv->rows.try_emplace (task);
     refresh_task_in_store (taskview, task, it->second, inserted);
-    gtk_widget_queue_resize (GTK_WIDGET (taskview));
+    /* One queued resize serves every row appended before the next size
+     * request. */
+    if (!priv->resize_queued) {
+        priv->resize_queued = true;
+        gtk_widget_queue_resize (GTK_WIDGET (taskview));
+    }
 }
 
 void tav_task_view_append_tasks (TavTaskView *taskview, GList *list)
@@ -473,6 +463,7 @@ void tav_task_view_delete_task (TavTaskView *taskview, TavCalendarTask *task)
         return;
     }
     GtkTreeIter iter = it->second.iter;
+    priv->by_position.erase (iter.user_data);
     priv->rows.erase (it);
     gtk_list_store_remove (priv->store.get (), &iter);
     schedule_empty_check (&priv->empty_check_id, task_view_empty_check_cb, taskview);
@@ -482,6 +473,7 @@ void tav_task_view_delete_all_tasks (TavTaskView *taskview)
 {
     g_return_if_fail (TAV_IS_TASK_VIEW(taskview));
     TavTaskViewPrivate *priv = taskview->priv;
+    priv->by_position.clear ();
     priv->rows.clear ();
     gtk_list_store_clear (priv->store.get ());
     task_view_add_insert_row (taskview);

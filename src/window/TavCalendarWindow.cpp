@@ -599,18 +599,25 @@ void tav_calendar_window_show_event_view (TavCalendarWindow *window)
     }
 }
 
+/* The lists have no interval of their own to trigger a read: they are
+ * read each time they are shown, so that they show the tasks and notes as
+ * they are now. */
 void tav_calendar_window_show_task_view (TavCalendarWindow *window)
 {
     g_return_if_fail (TAV_IS_CALENDAR_WINDOW (window));
-    if (GtkWidget *stacked = show_stacked (window, kTaskKind))
+    if (GtkWidget *stacked = show_stacked (window, kTaskKind)) {
         gtk_window_set_title (GTK_WINDOW (stacked), TAV_CAL ("cal_ti_tasks"));
+        tav_task_view_read_database (TAV_TASK_VIEW (window->task_view));
+    }
 }
 
 void tav_calendar_window_show_note_view (TavCalendarWindow *window)
 {
     g_return_if_fail (TAV_IS_CALENDAR_WINDOW (window));
-    if (GtkWidget *stacked = show_stacked (window, kNoteKind))
+    if (GtkWidget *stacked = show_stacked (window, kNoteKind)) {
         gtk_window_set_title (GTK_WINDOW (stacked), TAV_CAL ("cal_ti_notes"));
+        tav_note_view_read_database (TAV_NOTE_VIEW (window->note_view));
+    }
 }
 
 static void take_area_out (GtkWidget *stacked, GtkWidget *area)

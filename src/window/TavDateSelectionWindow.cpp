@@ -165,7 +165,16 @@ static void show_date (TavDateSelectionWindow *window)
     if (priv->month_column >= 0)
         kivo_touch_selector_set_active (selector, priv->month_column, date.month);
     kivo_touch_selector_set_active (selector, priv->year_column, year - FIRST_YEAR);
+    kivo_touch_selector_center_on_selected (selector);
     priv->building = FALSE;
+}
+
+/* The rows chosen before the columns had a window are brought into view. */
+static gboolean on_map_event_cb (GtkWidget *, GdkEvent *, gpointer data)
+{
+    TavDateSelectionWindow *window = TAV_DATE_SELECTION_WINDOW (data);
+    kivo_touch_selector_center_on_selected (KIVO_TOUCH_SELECTOR (window->priv->selector));
+    return FALSE;
 }
 
 static void on_selector_changed_cb (KivoTouchSelector *selector, int column, gpointer data)
@@ -324,6 +333,7 @@ static void tav_date_selection_window_init (TavDateSelectionWindow *window)
     window->priv->done = gtk_dialog_add_button (GTK_DIALOG (window), TAV_KIVO ("wdgt_bd_done"), GTK_RESPONSE_OK);
     gtk_widget_set_size_request (window->priv->done, 180, 70);
     g_signal_connect (window, "notify::title", G_CALLBACK (on_title_notify_cb), nullptr);
+    g_signal_connect_after (window, "map-event", G_CALLBACK (on_map_event_cb), window);
     rebuild (window);
 }
 

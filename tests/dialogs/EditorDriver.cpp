@@ -236,10 +236,6 @@ std::vector<std::string> EditorDriver::banners ()
     return out;
 }
 
-} // namespace tav::test
-
-namespace tav::test {
-
 void EditorDriver::clear_banners ()
 {
     GList *visible = kivo_banner_get_visible ();

@@ -62,7 +62,10 @@ TEST (EventWindowHost, CreatesAndMovesInTheStore)
         EditorDriver ed (open_event_editor (*f.set, nullptr, entry));
         g_object_unref (entry);
         EXPECT_EQ (ed.value ("repeat-button"), tav_calendar_repeat_to_string (TavCalendarRepeatsEveryWeek));
+        EXPECT_EQ (ed.value ("until-button"), "Forever");
         ed.type ("title-entry", " class");
+        ed.choose_date ("start-date-button", TavDate {2030, 2, 5});
+        EXPECT_EQ (ed.value ("until-button"), "Forever") << "moving the start keeps a rule without end";
         ASSERT_TRUE (ed.choose ("calendar-button", "Work"));
         ASSERT_TRUE (ed.save_and_close ());
         EXPECT_EQ (ed.signals, (std::vector<std::string> {"entry-created", "deleting-entry"}));
@@ -71,7 +74,7 @@ TEST (EventWindowHost, CreatesAndMovesInTheStore)
     std::vector<EntryRecord> at_work = f.store->entries_of_calendar (f.work);
     ASSERT_EQ (at_work.size (), 1u);
     EXPECT_EQ (at_work[0].title, "yoga class");
-    EXPECT_EQ (at_work[0].start, at (2030, 3, 4, 18));
+    EXPECT_EQ (at_work[0].start, at (2030, 3, 5, 18));
     EXPECT_EQ (at_work[0].rrule, "FREQ=WEEKLY");
     EXPECT_EQ (at_work[0].uid, "weekly-1") << "the moved event is the same event";
     EXPECT_EQ (f.events ().size (), 2u) << "nothing doubled, nothing lost";

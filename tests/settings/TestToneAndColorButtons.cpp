@@ -135,7 +135,9 @@ TEST (AlarmToneButton, ATappedTonePlaysDoneChoosesItAndClosingStopsTheSound)
     EXPECT_STREQ (kivo_button_get_value (KIVO_BUTTON (button)), "Chime");
     EXPECT_EQ (changes, 1);
 
-    /* "Add tone" takes a file from the chooser: offered, highlighted, played. */
+    /* "Add tone" takes a file from the chooser: offered, highlighted, played.
+     * The chooser records the file among GTK's recently used ones. */
+    g_mkdir_with_parents (g_get_user_data_dir (), 0700);
     const std::string bell = dir.file ("desk_bell.wav");
     write_test_wav (bell);
     tav_alarm_tone_button_open_picker (tone (button));

@@ -225,6 +225,10 @@ int main (int argc, char **argv)
     }
     g_log_set_default_handler (count_critical, NULL);
 
+    /* Month backgrounds come from the theme, relative to its directory. */
+    gtk_rc_parse_string ("style \"tav-bg\" { TavCalendarWindow::monthly-bg-image-files = "
+                         "{ \"january.png\", \"/elsewhere/february.png\" } }\n"
+                         "class \"TavCalendarWindow\" style \"tav-bg\"\n");
     window = TAV_CALENDAR_WINDOW (tav_calendar_window_new ());
     tav_calendar_window_set_first_day_of_week (window, 1);
     g_signal_connect (window->month_view, "database-access-read", G_CALLBACK (answer_read), window);
@@ -243,6 +247,10 @@ int main (int argc, char **argv)
     CHECK (tav_calendar_window_get_topmost_window (window) == GTK_WIDGET (window), "topmost is the main window");
     CHECK (strcmp (title_of (GTK_WIDGET (window)), "November 2028") == 0, "title '%s'", title_of (GTK_WIDGET (window)));
     CHECK (count_on_day (window, 2028, 10, 14, meeting) == 1, "the read filled the month");
+    CHECK (window->bg_file_names[0] && g_str_has_suffix (window->bg_file_names[0], "/january.png")
+           && g_path_is_absolute (window->bg_file_names[0]), "January's image in the theme directory");
+    CHECK (g_strcmp0 (window->bg_file_names[1], "/elsewhere/february.png") == 0 && !window->bg_file_names[2],
+           "an absolute name kept, the other months without one");
     CHECK (item_visible ("Next month") && item_visible ("Previous month"), "month items shown");
     CHECK (!item_visible ("Next week") && !item_visible ("Previous week"), "week items hidden with the month");
 
@@ -335,6 +343,24 @@ int main (int argc, char **argv)
     before = reads_week;
     tav_calendar_window_activate_week_view (window);
     CHECK (reads_week == before + 1, "the unfinished week read again");
+    /* Only a root view can be cut short; the day view is ignored. */
+    tav_calendar_window_read_database_unfinished (window, TAV_CALENDAR_VIEW (window->day_view));
+    before = reads_week;
+    tav_calendar_window_activate_week_view (window);
+    CHECK (reads_week == before, "nothing to read again");
+
+    /* The week's current-time marker runs only while its window is in front. */
+    {
+        gboolean topmost = FALSE;
+        flush ();
+        g_object_get (window->week_view, "is-topmost", &topmost, NULL);
+        CHECK (topmost, "the shown week is topmost");
+        tav_calendar_window_show_note_view (window);
+        flush ();
+        g_object_get (window->week_view, "is-topmost", &topmost, NULL);
+        CHECK (!topmost, "covered by the notes window");
+        close_topmost (window);
+    }
     tav_calendar_window_activate_month_view (window);
 
     /* Stacked windows: the event view is current while its window is on top. */
@@ -467,6 +493,21 @@ int main (int argc, char **argv)
         CHECK (count_on_day (window, 2028, 10, 14, NULL) == 0, "the month read again without it");
         g_object_set (meeting, "source", NULL, NULL);
         g_object_unref (source);
+    }
+
+    /* A host that never answers: the views stay empty, nothing breaks. */
+    {
+        TavCalendarWindow *silent = TAV_CALENDAR_WINDOW (tav_calendar_window_new ());
+        gtk_widget_show (GTK_WIDGET (silent));
+        tav_calendar_window_show_month_view (silent);
+        tav_calendar_window_read_database (silent);
+        tav_calendar_window_activate_week_view (silent);
+        tav_calendar_window_activate_agenda_view (silent);
+        tav_calendar_window_add_entry (silent, lunch);
+        tav_calendar_window_activate_month_view (silent);
+        flush ();
+        CHECK (tav_calendar_window_month_view_active (silent), "the silent window works");
+        gtk_widget_destroy (GTK_WIDGET (silent));
     }
 
     /* Bad input: a critical naming the check, nothing changed. */

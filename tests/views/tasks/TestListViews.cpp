@@ -2,12 +2,14 @@
  * its order, the argument checks, the empty-list check, and real taps on
  * the tick, the rows and the held-row menu against a memory source. */
 #include "TestSupport.h"
+#include "ListTestSupport.h"
 #include "../../platform/PointerDriver.h"
 #include "TavMemorySource.h"
 #include "TavListViewInternal.h"
 #include "TavListViewCommon.h"
 #include "TavGPtr.h"
 #include "KivoNote.h"
+#include "KivoPannableArea.h"
 
 #include <string>
 #include <vector>
@@ -15,14 +17,6 @@
 using namespace tav::test;
 
 namespace {
-
-TavCalendarTask *new_task (const char *title, TavDate due, bool done = false, int alarm = 0)
-{
-    auto *task = TAV_CALENDAR_TASK (g_object_new (TAV_TYPE_CALENDAR_TASK, nullptr));
-    g_object_set (task, "title", title, "start-year", due.year, "start-month", due.month, "start-day", due.day, "done",
-                  done, "alarm-code", alarm, nullptr);
-    return task;
-}
 
 /* The titles of the store's rows, the insert row as "+", done ones as "~". */
 std::string rows_of (GtkTreeView *view)
@@ -80,20 +74,44 @@ struct Shown {
 void answer_next_note (gint response)
 {
     g_timeout_add (50, [] (gpointer data) -> gboolean {
-        for (GList *l = gtk_window_list_toplevels (), *t = l; t; t = t->next) {
-            if (KIVO_IS_NOTE (t->data) && gtk_widget_get_mapped (GTK_WIDGET (t->data))) {
-                auto *note = KIVO_NOTE (t->data);
-                GtkWidget *button = GPOINTER_TO_INT (data) == GTK_RESPONSE_OK ? kivo_note_get_ok_button (note)
-                                                                              : kivo_note_get_cancel_button (note);
-                g_list_free (l);
-                PointerDriver::tap (button, button->allocation.width / 2, button->allocation.height / 2);
-                return FALSE;
-            }
-            if (!t->next)
-                g_list_free (l);
-        }
-        return TRUE;
+        GList *windows = gtk_window_list_toplevels ();
+        GtkWidget *button = nullptr;
+        for (GList *t = windows; t && !button; t = t->next)
+            if (KIVO_IS_NOTE (t->data) && gtk_widget_get_mapped (GTK_WIDGET (t->data)))
+                button = GPOINTER_TO_INT (data) == GTK_RESPONSE_OK ? kivo_note_get_ok_button (KIVO_NOTE (t->data))
+                                                                   : kivo_note_get_cancel_button (KIVO_NOTE (t->data));
+        g_list_free (windows);
+        if (!button)
+            return TRUE;
+        PointerDriver::tap (button, button->allocation.width / 2, button->allocation.height / 2);
+        return FALSE;
     }, GINT_TO_POINTER (response));
+}
+
+/* The context menu's one item. */
+GtkWidget *only_item (GtkWidget *menu)
+{
+    GList *children = gtk_container_get_children (GTK_CONTAINER (menu));
+    GtkWidget *item = GTK_WIDGET (children->data);
+    g_list_free (children);
+    return item;
+}
+
+/* How many pixels of the list below its first row pass @test (RGB). */
+template <typename Test>
+int pixels_below_first_row (GtkTreeView *tree, Test test)
+{
+    flush_events ();
+    GdkWindow *bin = gtk_tree_view_get_bin_window (tree);
+    int w = 0, h = 0, count = 0;
+    gdk_drawable_get_size (bin, &w, &h);
+    GdkPixbuf *shot = gdk_pixbuf_get_from_drawable (nullptr, bin, nullptr, 0, 0, 0, 0, w, h);
+    const guchar *px = gdk_pixbuf_get_pixels (shot);
+    for (int y = tav::lists::kRowHeight; y < h; ++y)
+        for (int x = 0; x < w; ++x)
+            count += test (px + y * gdk_pixbuf_get_rowstride (shot) + x * gdk_pixbuf_get_n_channels (shot));
+    g_object_unref (shot);
+    return count;
 }
 
 } // namespace
@@ -137,6 +155,31 @@ TEST (TaskView, ArgumentChecks)
     g_object_unref (nv);
     gtk_widget_destroy (view);
     g_object_unref (view);
+}
+
+TEST (TaskView, MissingIconsAreReportedAndTheRowsStillShow)
+{
+    REQUIRE_DISPLAY ();
+    LogCapture log;
+    const std::string icons = g_getenv ("TAV_CALENDAR_ICON_DIR") ? g_getenv ("TAV_CALENDAR_ICON_DIR") : "";
+    g_setenv ("TAV_CALENDAR_ICON_DIR", "/nonexistent/icons/", TRUE);
+    GtkWidget *tasks = g_object_ref_sink (tav_task_view_new ());
+    GtkWidget *notes = g_object_ref_sink (tav_note_view_new ());
+    g_setenv ("TAV_CALENDAR_ICON_DIR", icons.c_str (), TRUE);
+    EXPECT_EQ (log.count_lines (LoggedLine::LibWarning, "pixbuf is not being created"), 2) << log.dump ();
+    int alarm_errors = 0;
+    for (const LoggedLine &line : log.lines ())
+        alarm_errors += line.kind == LoggedLine::LibWarning
+                        && g_str_has_prefix (line.message.c_str (), "Error in creating alarm icon pixbuf: ")
+                        && line.message.find ("calendar_alarm.png") != std::string::npos;
+    EXPECT_EQ (alarm_errors, 1) << log.dump ();
+    auto task = tav::adoptGRef (new_task ("Ring Bob", { 2009, 2, 9 }, false, 2));
+    tav_task_view_append_task (TAV_TASK_VIEW (tasks), task.get ());
+    EXPECT_EQ (rows_of (GTK_TREE_VIEW (tasks)), "+ Ring Bob");
+    for (GtkWidget *w : { tasks, notes }) {
+        gtk_widget_destroy (w);
+        g_object_unref (w);
+    }
 }
 
 TEST (TaskView, KeepsRowsSortedAndFindsThem)
@@ -223,20 +266,9 @@ TEST (TaskView, ReadAsksTheOwnerAndAnEmptyListSaysSoHalfASecondLater)
     EXPECT_TRUE (log.has_warning ("logical color 'SecondaryTextColor' not found in theme. Use hard-coded LighGray"));
 
     /* The picture shows the light grey text below the "New task" row. */
-    flush_events ();
-    GdkWindow *bin = gtk_tree_view_get_bin_window (shown.tree ());
-    int w = 0, h = 0;
-    gdk_drawable_get_size (bin, &w, &h);
-    GdkPixbuf *shot = gdk_pixbuf_get_from_drawable (nullptr, bin, nullptr, 0, 0, 0, 0, w, h);
-    int grey = 0;
-    const guchar *px = gdk_pixbuf_get_pixels (shot);
-    for (int y = tav::lists::kRowHeight; y < h; ++y)
-        for (int x = 0; x < w; ++x) {
-            const guchar *p = px + y * gdk_pixbuf_get_rowstride (shot) + x * gdk_pixbuf_get_n_channels (shot);
-            grey += p[0] > 0xc0 && p[0] == p[1] && p[1] == p[2];
-        }
-    g_object_unref (shot);
-    EXPECT_GT (grey, 200);
+    EXPECT_GT (pixels_below_first_row (shown.tree (), [] (const guchar *p) {
+        return p[0] > 0xc0 && p[0] == p[1] && p[1] == p[2];
+    }), 200);
 
     /* A list with a task has nothing to say. */
     auto task = tav::adoptGRef (new_task ("Call Bob", { 2009, 2, 9 }));
@@ -245,6 +277,23 @@ TEST (TaskView, ReadAsksTheOwnerAndAnEmptyListSaysSoHalfASecondLater)
     tav_task_view_reading_finished (shown.view);
     run_main_loop_until ([&] { return _tav_task_view_get_empty_check_id (shown.view) == 0; }, 2000);
     EXPECT_FALSE (_tav_task_view_shows_no_entries (shown.view));
+}
+
+TEST (NoteView, EmptyListUsesTheThemesSecondaryTextColour)
+{
+    REQUIRE_DISPLAY ();
+    LogCapture log;
+    gtk_rc_parse_string ("style \"tav-test-secondary\" { color[\"SecondaryTextColor\"] = \"#FF8000\" }\n"
+                         "widget \"*.tav-test-list\" style \"tav-test-secondary\"\n");
+    GtkWidget *view = tav_note_view_new ();
+    gtk_widget_set_name (view, "tav-test-list");
+    Shown<TavNoteView> shown (view);
+    tav_note_view_check_and_paint_no_entries_label (shown.view);
+    EXPECT_TRUE (_tav_note_view_shows_no_entries (shown.view));
+    EXPECT_EQ (log.count_lines_from (LoggedLine::LibWarning, "paint_no_entries"), 0) << log.dump ();
+    EXPECT_GT (pixels_below_first_row (shown.tree (), [] (const guchar *p) {
+        return p[0] > 0xe0 && p[1] > 0x60 && p[1] < 0xa0 && p[2] < 0x30;
+    }), 200);
 }
 
 TEST (TaskView, TappingTheTickSavesThroughTheSource)
@@ -295,6 +344,42 @@ TEST (TaskView, TappingTheTickSavesThroughTheSource)
     EXPECT_EQ (modified, 3);
 }
 
+TEST (TaskView, PansInAPannableAreaAndTicksTheRowUnderTheFinger)
+{
+    REQUIRE_XTEST ();
+    GtkWidget *area = kivo_pannable_area_new ();
+    GtkWidget *view = tav_task_view_new ();
+    gtk_container_add (GTK_CONTAINER (area), view);
+    MemorySourcePtr source (tav_memory_source_new ("Home", TavCalendarColorGreen, CalendarSourceTypeLocal));
+    std::vector<tav::GRefPtr<TavCalendarTask>> tasks;
+    for (int day = 1; day <= 20; ++day) {
+        tasks.push_back (tav::adoptGRef (new_task ("Daily chore", { 2009, 2, day })));
+        tav_memory_source_add (source.get (), TAV_CALENDAR_ENTRY (tasks.back ().get ()));
+        tav_task_view_append_task (TAV_TASK_VIEW (view), tasks.back ().get ());
+    }
+    GtkWidget *window = make_test_window (600, 400, area);
+    GtkAdjustment *adj = kivo_pannable_area_get_vadjustment (KIVO_PANNABLE_AREA (area));
+    run_main_loop_until ([&] { return gtk_adjustment_get_upper (adj) > 1000; }, 2000);
+    PointerDriver::drag (area, 300, 350, 300, 50, 10, 20, true);
+    run_main_loop_until ([&] { return !kivo_pannable_area_is_moving (KIVO_PANNABLE_AREA (area)); }, 5000);
+    ASSERT_GT (gtk_adjustment_get_value (adj), 200.0);
+    EXPECT_EQ (tav_memory_source_calls (source.get (), TAV_MEMORY_SLOT_SAVE_TASK), 0u) << "a pan is no tap";
+
+    /* The tick of the row now at the area's middle. */
+    GtkTreePath *path = nullptr;
+    int bx = 0, by = 0;
+    gtk_tree_view_convert_widget_to_bin_window_coords (GTK_TREE_VIEW (view), 40, 200, &bx, &by);
+    ASSERT_TRUE (gtk_tree_view_get_path_at_pos (GTK_TREE_VIEW (view), bx, by, &path, nullptr, nullptr, nullptr));
+    const int row = gtk_tree_path_get_indices (path)[0];
+    gtk_tree_path_free (path);
+    PointerDriver::tap (area, 40, 200);
+    gboolean done = FALSE;
+    g_object_get (tasks[static_cast<size_t> (row - 1)].get (), "done", &done, nullptr);
+    EXPECT_TRUE (done) << "row " << row;
+    EXPECT_EQ (tav_memory_source_calls (source.get (), TAV_MEMORY_SLOT_SAVE_TASK), 1u);
+    gtk_widget_destroy (window);
+}
+
 TEST (TaskView, HeldRowOffersDeleteWhichAsksFirst)
 {
     REQUIRE_XTEST ();
@@ -307,7 +392,7 @@ TEST (TaskView, HeldRowOffersDeleteWhichAsksFirst)
     int deleted = 0;
     count_signal (shown.view, "task-deleted", &deleted);
     GtkWidget *menu = _tav_task_view_get_context_menu (shown.view);
-    GtkWidget *item = GTK_WIDGET (gtk_container_get_children (GTK_CONTAINER (menu))->data);
+    GtkWidget *item = only_item (menu);
     EXPECT_STREQ (gtk_label_get_text (GTK_LABEL (gtk_bin_get_child (GTK_BIN (item)))), "Delete");
 
     struct Step {
@@ -395,7 +480,7 @@ TEST (NoteView, RowsTapsAndDeletion)
         ASSERT_TRUE (run_main_loop_until ([&] { return gtk_widget_get_mapped (menu); }, 3000));
         PointerDriver::release ();
         answer_next_note (GTK_RESPONSE_OK);
-        GtkWidget *item = GTK_WIDGET (gtk_container_get_children (GTK_CONTAINER (menu))->data);
+        GtkWidget *item = only_item (menu);
         gtk_menu_shell_activate_item (GTK_MENU_SHELL (menu), item, TRUE);
     }
     EXPECT_EQ (gtk_tree_model_iter_n_children (model, nullptr), 1);

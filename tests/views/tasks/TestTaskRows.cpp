@@ -2,6 +2,7 @@
  * display: the texts, the ordering rules, and the precomputed sort keys
  * against the plain field comparison. */
 #include "TestSupport.h"
+#include "ListTestSupport.h"
 #include "TavTaskViewPrivate.h"
 #include "TavGPtr.h"
 
@@ -10,16 +11,9 @@
 #include <vector>
 
 using namespace tav::lists;
+using tav::test::new_task;
 
 namespace {
-
-TavCalendarTask *new_task (const char *title, TavDate due, bool done = false, int alarm = 0)
-{
-    auto *task = TAV_CALENDAR_TASK (g_object_new (TAV_TYPE_CALENDAR_TASK, nullptr));
-    g_object_set (task, "title", title, "start-year", due.year, "start-month", due.month, "start-day", due.day, "done",
-                  done, "alarm-code", alarm, nullptr);
-    return task;
-}
 
 TaskFields fields (const char *title, TavDate due, bool done = false)
 {
