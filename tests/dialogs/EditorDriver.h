@@ -25,6 +25,8 @@ public:
     GtkWidget *field (const char *name) const;
     std::string value (const char *name) const { return value_of (m_window, name); }
     static std::string value_of (GtkWidget *window, const char *name);
+    /* The widget named @name inside @window, shown or not. */
+    static GtkWidget *find (GtkWidget *window, const char *name);
 
     void tap (const char *name);
     /* Taps into the entry, moves to its end and types @text. */
@@ -64,6 +66,8 @@ public:
     /* Signals of the editor, in order, with the entries they carried. */
     std::vector<std::string> signals;
     std::vector<TavCalendarEntry *> signal_entries;
+    /* "signal:title" of each, the title as it was at the emission. */
+    std::vector<std::string> signal_titles;
     std::vector<std::string> errors;
 
 private:

@@ -138,6 +138,10 @@ TEST (HostTaskEditor, TaskCreatedTickedMovedAndDeletedShowsAtOnceAndPersists)
     {
         GtkWidget *w = f.tap_row (tasks, 1, TAV_TYPE_CALENDAR_TASK_WINDOW);
         ASSERT_TRUE (w);
+        /* The new copy is made while the old one is still stored. */
+        g_signal_connect (w, "task-created", G_CALLBACK (+[] (GtkWidget *, TavCalendarTask *, gpointer store) {
+            EXPECT_EQ (static_cast<Store *> (store)->entries_of_kind (EntryKind::Task, false).size (), 2u);
+        }), f.store.get ());
         EditorDriver editor (w, {"task-created", "task-saved", "deleting-task"});
         editor.tap ("done-button");
         ASSERT_TRUE (editor.choose ("calendar-button", "Work"));
@@ -218,7 +222,7 @@ TEST (HostTaskEditor, NotesAndAnEntryDeletedBehindTheEditorsBack)
     EXPECT_TRUE (f.stored (EntryKind::Note).empty ());
     PointerDriver::wait (100);
     EXPECT_EQ (f.list_titles (notes), std::vector<std::string> {"+"});
-    /* The host said why in a note; answer it. */
+    /* The host said why in a note over the window. */
     GList *toplevels = gtk_window_list_toplevels ();
     int messages = 0;
     for (GList *l = toplevels; l; l = l->next)
