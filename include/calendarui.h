@@ -25,6 +25,8 @@
 #include "calendarui/TavCalendarDialog.h"
 #include "calendarui/TavCalendarButton.h"
 #include "calendarui/TavCalendarEventWindow.h"
+#include "calendarui/TavCalendarTaskWindow.h"
+#include "calendarui/TavCalendarNoteWindow.h"
 #include "calendarui/TavCalendarSettingsDialog.h"
 #include "calendarui/TavAlarmToneButton.h"
 #include "calendarui/TavColorButton.h"

@@ -114,6 +114,32 @@ GtkWidget *open_event_editor (CalendarSet &calendars, const TavDate *date, TavCa
     return window;
 }
 
+GtkWidget *open_task_editor (CalendarSet &calendars, TavCalendarTask *task)
+{
+    GtkWidget *window = task ? tav_calendar_task_window_new_from_task (task) : tav_calendar_task_window_new ();
+    GList *sources = all_sources (calendars);
+    tav_calendar_task_window_add_sources (TAV_CALENDAR_TASK_WINDOW (window), sources);
+    g_list_free (sources);
+    gtk_window_set_default_size (GTK_WINDOW (window), 800, 480);
+    g_signal_connect (window, "task-created", G_CALLBACK (on_created), nullptr);
+    g_signal_connect (window, "task-saved", G_CALLBACK (on_saved), nullptr);
+    g_signal_connect (window, "deleting-task", G_CALLBACK (on_deleting), nullptr);
+    return window;
+}
+
+GtkWidget *open_note_editor (CalendarSet &calendars, TavCalendarNote *note)
+{
+    GtkWidget *window = note ? tav_calendar_note_window_new_from_note (note) : tav_calendar_note_window_new ();
+    GList *sources = all_sources (calendars);
+    tav_calendar_note_window_add_sources (TAV_CALENDAR_NOTE_WINDOW (window), sources);
+    g_list_free (sources);
+    gtk_window_set_default_size (GTK_WINDOW (window), 800, 480);
+    g_signal_connect (window, "note-created", G_CALLBACK (on_created), nullptr);
+    g_signal_connect (window, "note-saved", G_CALLBACK (on_saved), nullptr);
+    g_signal_connect (window, "deleting-note", G_CALLBACK (on_deleting), nullptr);
+    return window;
+}
+
 int run_event_editor (CalendarSet &calendars, const TavDate *date, TavCalendarEntry *entry)
 {
     EditorRun run;
@@ -243,7 +269,40 @@ int render_editors (CalendarSet &calendars, const TavDate &date, const std::stri
     GtkWidget *edit = open_event_editor (calendars, nullptr, entry);
     g_object_unref (entry);
     /* Shown from the start row down: the times and the repetition. */
-    return shoot (edit, dir + "/event-editor-edit.png", "start-date-button");
+    if (shoot (edit, dir + "/event-editor-edit.png", "start-date-button") != 0) {
+        return 1;
+    }
+    /* A stored task (an open one with a reminder when there is one) and the
+     * first stored note; new ones when the store has none. */
+    std::vector<EntryRecord> tasks = calendars.store ().entries_of_kind (EntryKind::Task, false);
+    const EntryRecord *task_record = nullptr;
+    for (const EntryRecord &r : tasks) {
+        const bool better = !task_record || (task_record->done && !r.done)
+                            || (!r.done && r.alarm_code != TavCalendarAlarmNone
+                                && task_record->alarm_code == TavCalendarAlarmNone);
+        if (better) {
+            task_record = &r;
+        }
+    }
+    TavCalendarEntry *task = task_record && calendars.source (task_record->calendar_id)
+                                 ? entry_from_record (*task_record, calendars.source (task_record->calendar_id))
+                                 : nullptr;
+    GtkWidget *task_editor = open_task_editor (calendars, task ? TAV_CALENDAR_TASK (task) : nullptr);
+    if (task) {
+        g_object_unref (task);
+    }
+    if (shoot (task_editor, dir + "/task-editor.png") != 0) {
+        return 1;
+    }
+    std::vector<EntryRecord> notes = calendars.store ().entries_of_kind (EntryKind::Note, false);
+    TavCalendarEntry *note = !notes.empty () && calendars.source (notes.front ().calendar_id)
+                                 ? entry_from_record (notes.front (), calendars.source (notes.front ().calendar_id))
+                                 : nullptr;
+    GtkWidget *note_editor = open_note_editor (calendars, note ? TAV_CALENDAR_NOTE (note) : nullptr);
+    if (note) {
+        g_object_unref (note);
+    }
+    return shoot (note_editor, dir + "/note-editor.png");
 }
 
 }  // namespace tav::host

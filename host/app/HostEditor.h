@@ -28,9 +28,17 @@ GtkWidget *open_event_editor (CalendarSet &calendars, const TavDate *date, TavCa
  * failed, 0 as well when the user closed it without saving. */
 int run_event_editor (CalendarSet &calendars, const TavDate *date, TavCalendarEntry *entry);
 
+/* The task and note editors over the store, for @task / @note (NULL: a new
+ * one), with every calendar offered; results and failures are reported as
+ * for the event editor. */
+GtkWidget *open_task_editor (CalendarSet &calendars, TavCalendarTask *task);
+GtkWidget *open_note_editor (CalendarSet &calendars, TavCalendarNote *note);
+
 /* Renders the editor for a new event (DIR/event-editor.png) and for a
  * stored event, a repeating one when the store has one
- * (DIR/event-editor-edit.png); 0 on success. */
+ * (DIR/event-editor-edit.png), then the task and note editors on a stored
+ * task and note, or on new ones (DIR/task-editor.png, DIR/note-editor.png);
+ * 0 on success. */
 int render_editors (CalendarSet &calendars, const TavDate &date, const std::string &dir);
 
 }  // namespace tav::host

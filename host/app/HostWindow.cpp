@@ -166,10 +166,39 @@ gboolean on_new_event_cb (TavCalendarWindow *, gpointer data)
 
 gboolean on_edit_event_cb (TavCalendarWindow *, TavCalendarEntry *entry, gpointer data)
 {
-    if (!TAV_IS_CALENDAR_ENTRY (entry) || TAV_IS_CALENDAR_TASK (entry) || TAV_IS_CALENDAR_NOTE (entry)) {
+    App *app = static_cast<App *> (data);
+    if (TAV_IS_CALENDAR_TASK (entry)) {
+        return app->edit_task (TAV_CALENDAR_TASK (entry)) != nullptr;
+    }
+    if (TAV_IS_CALENDAR_NOTE (entry)) {
+        return app->edit_note (TAV_CALENDAR_NOTE (entry)) != nullptr;
+    }
+    if (!TAV_IS_CALENDAR_ENTRY (entry)) {
         return FALSE;
     }
-    return static_cast<App *> (data)->open_editor (entry, nullptr, nullptr, false) != nullptr;
+    return app->open_editor (entry, nullptr, nullptr, false) != nullptr;
+}
+
+/* The task and note lists open the editors: their "New" rows for a new one,
+ * a tapped row for that task or note. */
+void on_new_task_cb (GtkWidget *, guint, gpointer data)
+{
+    static_cast<App *> (data)->edit_task (nullptr);
+}
+
+void on_task_activated_cb (GtkWidget *, TavCalendarTask *task, gpointer data)
+{
+    static_cast<App *> (data)->edit_task (task);
+}
+
+void on_new_note_cb (GtkWidget *, guint, gpointer data)
+{
+    static_cast<App *> (data)->edit_note (nullptr);
+}
+
+void on_note_activated_cb (GtkWidget *, TavCalendarNote *note, gpointer data)
+{
+    static_cast<App *> (data)->edit_note (note);
 }
 
 void on_entry_created_cb (GtkWidget *, TavCalendarEntry *entry, gpointer data)
@@ -187,10 +216,10 @@ void on_deleting_entry_cb (GtkWidget *, TavCalendarEntry *entry, gpointer data)
     tav_calendar_window_remove_entry (static_cast<App *> (data)->window, entry);
 }
 
-/* A save that failed: the editor has closed; a note says why. */
+/* A change that failed: a note over the window says why. */
 void on_editor_error_cb (GtkWidget *editor, const char *text, gpointer data)
 {
-    fprintf (stderr, "tav-calendar: the event was not saved: %s\n", text ? text : "");
+    fprintf (stderr, "tav-calendar: the change was not saved: %s\n", text ? text : "");
     GtkWidget *parent = tav_calendar_window_get_topmost_window (static_cast<App *> (data)->window);
     GtkWidget *note = gtk_message_dialog_new (GTK_WINDOW (parent), GTK_DIALOG_MODAL, GTK_MESSAGE_ERROR, GTK_BUTTONS_OK,
                                               "%s", text ? text : "");
@@ -233,6 +262,10 @@ void App::build ()
             g_signal_connect (view, "insert-activated", G_CALLBACK (on_list_insert_cb), this);
         }
     }
+    g_signal_connect (window->task_view, "insert-activated", G_CALLBACK (on_new_task_cb), this);
+    g_signal_connect (window->task_view, "task-activated", G_CALLBACK (on_task_activated_cb), this);
+    g_signal_connect (window->note_view, "insert-activated", G_CALLBACK (on_new_note_cb), this);
+    g_signal_connect (window->note_view, "note-activated", G_CALLBACK (on_note_activated_cb), this);
     g_signal_connect (window, "new-event-activated", G_CALLBACK (on_new_event_cb), this);
     g_signal_connect (window, "edit-event-activated", G_CALLBACK (on_edit_event_cb), this);
     g_signal_connect (window, "settings-activated", G_CALLBACK (on_settings_cb), this);
@@ -365,6 +398,38 @@ TavDate App::current_date () const
         return tav_date_interval_contains (&shown, &today) ? today : shown.start;
     }
     return today;
+}
+
+/* A task or note editor over the window: its changes reach the views as
+ * they happen, and the lists are read afresh once it closes (a moved or
+ * new task is another object than the row it came from). */
+static GtkWidget *connect_list_editor (App *app, GtkWidget *editor, const char *prefix)
+{
+    const std::string p = prefix;
+    g_signal_connect (editor, (p + "-created").c_str (), G_CALLBACK (on_entry_created_cb), app);
+    g_signal_connect (editor, (p + "-saved").c_str (), G_CALLBACK (on_entry_saved_cb), app);
+    g_signal_connect (editor, ("deleting-" + p).c_str (), G_CALLBACK (on_deleting_entry_cb), app);
+    g_signal_connect (editor, "error", G_CALLBACK (on_editor_error_cb), app);
+    g_signal_connect (editor, "destroy", G_CALLBACK (+[] (GtkWidget *, gpointer data) {
+        TavCalendarWindow *window = static_cast<App *> (data)->window;
+        if (window) {
+            tav_task_view_read_database (TAV_TASK_VIEW (window->task_view));
+            tav_note_view_read_database (TAV_NOTE_VIEW (window->note_view));
+        }
+    }), app);
+    gtk_window_set_transient_for (GTK_WINDOW (editor), GTK_WINDOW (tav_calendar_window_get_topmost_window (app->window)));
+    gtk_widget_show (editor);
+    return editor;
+}
+
+GtkWidget *App::edit_task (TavCalendarTask *task)
+{
+    return connect_list_editor (this, open_task_editor (*calendars, task), "task");
+}
+
+GtkWidget *App::edit_note (TavCalendarNote *note)
+{
+    return connect_list_editor (this, open_note_editor (*calendars, note), "note");
 }
 
 GtkWidget *App::open_editor (TavCalendarEntry *entry, const TavDate *date, const TavTime *time, bool all_day)

@@ -38,6 +38,10 @@ struct App {
     bool show (const std::string &name);
     /* Opens the event editor: on @entry, or for a new event at @date, @time. */
     GtkWidget *open_editor (TavCalendarEntry *entry, const TavDate *date, const TavTime *time, bool all_day);
+    /* Opens the task or note editor over the window, on @task / @note or
+     * for a new one (NULL); what it saves shows in the views and lists. */
+    GtkWidget *edit_task (TavCalendarTask *task);
+    GtkWidget *edit_note (TavCalendarNote *note);
     /* The day the user looks at: the day view's, or today when the root
      * view shows it, else the root view's first day. */
     TavDate current_date () const;

@@ -22,6 +22,7 @@
 #include "KivoPickerButton.h"
 #include "TavCalendarButton.h"
 #include "TavCalendarEventWindowPrivate.h"
+#include "TavEditorSupport.h"
 #include "TavGPtr.h"
 #include "TavHelper.h"
 #include "TavIntl.h"
@@ -31,6 +32,15 @@
 using tav::GCharPtr;
 using tav::GRefPtr;
 namespace editor = tav::editor;
+using editor::add_row;
+using editor::captioned;
+using editor::date_of;
+using editor::now_stamp;
+using editor::picker;
+using editor::show_date;
+using editor::show_time;
+using editor::stripped;
+using editor::time_of;
 
 enum {
     PROP_0,
@@ -185,59 +195,9 @@ struct Updating {
     TavCalendarEventWindowPrivate *priv;
 };
 
-void now_stamp (TavTimestamp &now)
-{
-    tav_date_init_today (&now.date);
-    tav_time_init_now (&now.time);
-}
-
-bool in_button_range (const TavDate &date)
-{
-    return date.year >= KIVO_DATE_BUTTON_MIN_YEAR && date.year <= KIVO_DATE_BUTTON_MAX_YEAR
-        && tav_date_is_valid (&date) && date.day >= 1;
-}
-
-/* Shows @date on a date button. A date the picker cannot reach (an entry
- * from outside the calendar's years) is shown as text and kept as it is. */
-void show_date (GtkWidget *button, const TavDate &date)
-{
-    if (in_button_range (date)) {
-        kivo_date_button_set_date (KIVO_DATE_BUTTON (button), date.year, date.month, date.day);
-    } else {
-        TAV_MESSAGE ("Date %d-%02d-%02d is outside the picker's years; shown as it is.", date.year, date.month + 1,
-                     date.day);
-        tav_kivo_button_set_value_from_date (KIVO_BUTTON (button), date.year, date.month, date.day);
-    }
-}
-
-void show_time (GtkWidget *button, const TavTime &time)
-{
-    kivo_time_button_set_time (KIVO_TIME_BUTTON (button), CLAMP (time.hour, 0, 23), CLAMP (time.minute, 0, 59));
-}
-
-TavDate date_of (GtkWidget *button)
-{
-    guint y = 0, m = 0, d = 0;
-    kivo_date_button_get_date (KIVO_DATE_BUTTON (button), &y, &m, &d);
-    return TavDate {int (y), int (m), int (d)};
-}
-
-TavTime time_of (GtkWidget *button)
-{
-    guint h = 0, m = 0;
-    kivo_time_button_get_time (KIVO_TIME_BUTTON (button), &h, &m);
-    return TavTime {int (h), int (m)};
-}
-
 void banner (TavCalendarEventWindow *window, const char *text)
 {
     tav_show_info_banner (GTK_WIDGET (window), text);
-}
-
-std::string stripped (const char *text)
-{
-    GCharPtr copy (g_strstrip (g_strdup (text ? text : "")));
-    return copy.get ();
 }
 
 TavTimestamp start_of (TavCalendarEventWindowPrivate *priv)
@@ -620,21 +580,7 @@ confirm_complex_edit (GtkWidget *button, gpointer data)
         return TRUE;
     const char *question = button == priv->repeat_button ? TAV_CAL ("cal_nc_edit_complex_recurrence")
                                                          : TAV_CAL ("cal_nc_edit_complex_last");
-    GtkWidget *note = kivo_note_new_confirmation (GTK_WINDOW (window), question);
-    TavCalendarDialog *dialog = TAV_CALENDAR_DIALOG (window);
-    tav_calendar_dialog_set_modal_widget_ptr (dialog, note);
-    GRefPtr<GtkWidget> keep_window (GTK_WIDGET (window));
-    g_object_add_weak_pointer (G_OBJECT (note), reinterpret_cast<gpointer *> (&note));
-    const int response = gtk_dialog_run (GTK_DIALOG (note));
-    /* The window may have been closed under the note (its dispose answers
-     * the note); the note is ours to destroy in every case. */
-    if (tav_calendar_dialog_get_modal_widget_ptr (dialog) == note)
-        tav_calendar_dialog_reset_modal_widget_ptr (dialog);
-    if (note) {
-        g_object_remove_weak_pointer (G_OBJECT (note), reinterpret_cast<gpointer *> (&note));
-        gtk_widget_destroy (note);
-    }
-    if (response != GTK_RESPONSE_OK || priv->disposed)
+    if (!editor::confirm (TAV_CALENDAR_DIALOG (window), question) || priv->disposed)
         return FALSE;
     /* Agreed: the rule will be replaced by what the user picks now. */
     priv->complex = FALSE;
@@ -669,8 +615,7 @@ create_new_entry (TavCalendarEventWindow *window, TavCalendarEntry *moving = nul
         TAV_WARNING ("No calendar source, can not create entry.");
         /* Only read-only calendars (or none) were given: say so rather
          * than close without a word. */
-        GCharPtr text (tav_calendar_get_error_string (CalendarDefaultError));
-        g_signal_emit_by_name (window, "error", text.get ());
+        editor::report_error (TAV_CALENDAR_DIALOG (window), CalendarDefaultError);
         return nullptr;
     }
     const std::string title = stripped (gtk_entry_get_text (GTK_ENTRY (priv->title_entry)));
@@ -703,8 +648,7 @@ create_new_entry (TavCalendarEventWindow *window, TavCalendarEntry *moving = nul
         return entry.release ();
     }
     TAV_WARNING ("Unable to create entry in database!");
-    GCharPtr text (tav_calendar_get_error_string (static_cast<CalendarUiErrorCode> (error)));
-    g_signal_emit_by_name (window, "error", text.get ());
+    editor::report_error (TAV_CALENDAR_DIALOG (window), error);
     return nullptr;
 }
 
@@ -727,16 +671,8 @@ move_entry (TavCalendarEventWindow *window)
         return;
     }
     TAV_WARNING ("Unable to delete event during move operation!");
-    GCharPtr text (tav_calendar_get_error_string (static_cast<CalendarUiErrorCode> (error)));
-    g_signal_emit_by_name (window, "error", text.get ());
+    editor::report_error (TAV_CALENDAR_DIALOG (window), error);
 }
-
-/* The properties Save writes into an edited entry, kept so that a refused
- * save leaves the entry as its calendar still has it. */
-static const char *const kSavedProperties[] = {
-    "all-day", "start-date", "start-time", "end-date", "end-time", "end-repetition-date", "repeat-code",
-    "alarm-code", "alarm-time", "description", "show-until", "title", "location", "has-rrule",
-};
 
 static void
 save_in_place (TavCalendarEventWindow *window)
@@ -746,13 +682,10 @@ save_in_place (TavCalendarEventWindow *window)
     TavCalendarEntry *entry = priv->entry.get ();
     GObject *object = G_OBJECT (entry);
 
-    std::vector<GValue> before (G_N_ELEMENTS (kSavedProperties));
-    for (size_t i = 0; i < before.size (); ++i) {
-        GParamSpec *spec = g_object_class_find_property (G_OBJECT_GET_CLASS (object), kSavedProperties[i]);
-        before[i] = G_VALUE_INIT;
-        g_value_init (&before[i], spec->value_type);
-        g_object_get_property (object, kSavedProperties[i], &before[i]);
-    }
+    /* Put back if the calendar refuses the save. */
+    editor::PropertySnapshot before (object, {"all-day", "start-date", "start-time", "end-date", "end-time",
+                                              "end-repetition-date", "repeat-code", "alarm-code", "alarm-time",
+                                              "description", "show-until", "title", "location", "has-rrule"});
 
     const TavTime start_time = priv->all_day ? TavTime {0, 0} : priv->start_time;
     const TavTime end_time = priv->all_day ? TavTime {23, 59} : priv->end_time;
@@ -773,14 +706,10 @@ save_in_place (TavCalendarEventWindow *window)
     if (error == CalendarNoError) {
         g_signal_emit (window, signals[ENTRY_SAVED], 0, entry);
     } else {
-        for (size_t i = 0; i < before.size (); ++i)
-            g_object_set_property (object, kSavedProperties[i], &before[i]);
+        before.restore ();
         TAV_WARNING ("Error saving entry.");
-        GCharPtr text (tav_calendar_get_error_string (static_cast<CalendarUiErrorCode> (error)));
-        g_signal_emit_by_name (window, "error", text.get ());
+        editor::report_error (TAV_CALENDAR_DIALOG (window), error);
     }
-    for (GValue &value : before)
-        g_value_unset (&value);
 }
 
 /* The alarm test of Save; FALSE when the alarm would ring in the past. */
@@ -919,52 +848,6 @@ reset_window_from_event (TavCalendarEventWindow *window)
 
 /* Construction ------------------------------------------------------------------- */
 
-static GtkWidget *
-caption (GtkSizeGroup *group, const char *text)
-{
-    GtkWidget *label = gtk_label_new (text);
-    gtk_misc_set_alignment (GTK_MISC (label), 0.0, 0.5);
-    gtk_misc_set_padding (GTK_MISC (label), KIVO_MARGIN_DOUBLE, 0);
-    gtk_size_group_add_widget (group, label);
-    return label;
-}
-
-static GtkWidget *
-picker (GType type, const char *name, const char *title, GtkSizeGroup *group)
-{
-    GtkWidget *button = GTK_WIDGET (g_object_new (type, "size", KIVO_SIZE_FINGER_HEIGHT, "arrangement",
-                                                  KIVO_BUTTON_ARRANGEMENT_HORIZONTAL, NULL));
-    gtk_widget_set_name (button, name);
-    kivo_button_set_title (KIVO_BUTTON (button), title);
-    if (group)
-        kivo_button_add_title_size_group (KIVO_BUTTON (button), group);
-    return button;
-}
-
-/* One line of the form: @first takes the free width, @second (when given)
- * a fixed one on its right. */
-static void
-add_row (GtkWidget *rows, GtkWidget *first, GtkWidget *second = nullptr)
-{
-    GtkWidget *row = gtk_hbox_new (FALSE, KIVO_MARGIN_DEFAULT);
-    gtk_box_pack_start (GTK_BOX (row), first, TRUE, TRUE, 0);
-    if (second) {
-        gtk_widget_set_size_request (second, 200, -1);
-        gtk_box_pack_start (GTK_BOX (row), second, FALSE, TRUE, 0);
-    }
-    gtk_box_pack_start (GTK_BOX (rows), row, FALSE, FALSE, 0);
-}
-
-/* A caption on the left of a text entry. */
-static GtkWidget *
-captioned (GtkSizeGroup *group, const char *text, GtkWidget *entry)
-{
-    GtkWidget *row = gtk_hbox_new (FALSE, KIVO_MARGIN_DEFAULT);
-    gtk_box_pack_start (GTK_BOX (row), caption (group, text), FALSE, FALSE, 0);
-    gtk_box_pack_start (GTK_BOX (row), entry, TRUE, TRUE, 0);
-    return row;
-}
-
 static void
 build_window (TavCalendarEventWindow *window)
 {
@@ -1091,13 +974,9 @@ tav_calendar_event_window_get_property (GObject *object, guint prop_id, GValue *
     case PROP_TITLE:
         g_value_set_string (value, window->priv->initial_title.c_str ());
         break;
-    case PROP_ENTRY_ID: {
-        char *id = nullptr;
-        if (window->priv->entry)
-            g_object_get (window->priv->entry.get (), "num-id", &id, NULL);
-        g_value_take_string (value, id);
+    case PROP_ENTRY_ID:
+        g_value_take_string (value, editor::num_id_of (window->priv->entry.get ()));
         break;
-    }
     default:
         G_OBJECT_WARN_INVALID_PROPERTY_ID (object, prop_id, pspec);
     }
@@ -1111,10 +990,7 @@ tav_calendar_event_window_dispose (GObject *object)
     if (!priv->disposed) {
         priv->disposed = TRUE;
         priv->entry = nullptr;
-        if (GtkWidget *note = tav_calendar_dialog_get_modal_widget_ptr (TAV_CALENDAR_DIALOG (window))) {
-            tav_calendar_dialog_reset_modal_widget_ptr (TAV_CALENDAR_DIALOG (window));
-            gtk_dialog_response (GTK_DIALOG (note), GTK_RESPONSE_CANCEL);
-        }
+        editor::close_modal_note (TAV_CALENDAR_DIALOG (window));
     }
     G_OBJECT_CLASS (tav_calendar_event_window_parent_class)->dispose (object);
 }
@@ -1198,9 +1074,7 @@ tav_calendar_event_window_add_source (TavCalendarEventWindow *window, TavCalenda
 {
     g_return_if_fail (TAV_IS_CALENDAR_EVENT_WINDOW (window));
     g_return_if_fail (TAV_IS_CALENDAR_SOURCE(source));
-    TavCalendarButton *button = TAV_CALENDAR_BUTTON (window->priv->calendar_button);
-    if (tav_calendar_button_add_calendar (button, source))
-        tav_calendar_button_set_selected_calendar (button, source);
+    editor::offer_calendar (window->priv->calendar_button, nullptr, source);
 }
 
 void
@@ -1209,13 +1083,7 @@ tav_calendar_event_window_add_sources (TavCalendarEventWindow *window, GList *so
     g_return_if_fail (TAV_IS_CALENDAR_EVENT_WINDOW (window));
     for (GList *l = sources; l; l = l->next)
         tav_calendar_event_window_add_source (window, static_cast<TavCalendarSource *> (l->data));
-    TavCalendarButton *button = TAV_CALENDAR_BUTTON (window->priv->calendar_button);
-    TavCalendarSource *own = nullptr;
-    if (window->priv->entry)
-        g_object_get (window->priv->entry.get (), "source", &own, NULL);
-    GRefPtr<TavCalendarSource> holder = tav::adoptGRef (own);
-    if (!own || !tav_calendar_button_set_selected_calendar (button, own))
-        tav_calendar_button_select_first_full (button);
+    editor::select_own_calendar (window->priv->calendar_button, window->priv->entry.get ());
 }
 
 void

@@ -48,16 +48,17 @@ TavDate day_from_today (int days)
     return date;
 }
 
-EditorDriver::EditorDriver (GtkWidget *window) : m_window (window)
+EditorDriver::EditorDriver (GtkWidget *window, std::initializer_list<const char *> signal_names) : m_window (window)
 {
     g_object_add_weak_pointer (G_OBJECT (window), reinterpret_cast<gpointer *> (&m_window));
-    /* The three entry signals share a signature: the signal's name comes
-     * from the emission itself. */
-    for (const char *name : {"entry-created", "entry-saved", "deleting-entry"}) {
+    /* The editors' signals share a signature: the signal's name comes from
+     * the emission itself. */
+    for (const char *name : signal_names) {
         g_signal_connect (window, name, G_CALLBACK (+[] (GtkWidget *, TavCalendarEntry *e, gpointer d) {
             auto *driver = static_cast<EditorDriver *> (d);
             driver->signals.push_back (g_signal_name (g_signal_get_invocation_hint (driver->window ())->signal_id));
             driver->signal_entries.push_back (e);
+            driver->signal_titles.push_back (driver->signals.back () + ":" + tav_calendar_entry_get_title (e));
         }), this);
     }
     g_signal_connect (window, "error", G_CALLBACK (+[] (GtkWidget *, const char *text, gpointer d) {
@@ -89,6 +90,11 @@ bool EditorDriver::run_until_closed ()
 GtkWidget *EditorDriver::field (const char *name) const
 {
     return m_window ? find_named (m_window, name) : nullptr;
+}
+
+GtkWidget *EditorDriver::find (GtkWidget *window, const char *name)
+{
+    return find_named (window, name);
 }
 
 std::string EditorDriver::value_of (GtkWidget *window, const char *name)

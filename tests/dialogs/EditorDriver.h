@@ -1,4 +1,4 @@
-/* Drives an event editor the way a person does: taps on its buttons and
+/* Drives an editor (event, task or note) the way a person does: taps on its buttons and
  * picker rows, keys into its entries (XTest through the X server). */
 #ifndef TAV_TEST_EDITOR_DRIVER_H
 #define TAV_TEST_EDITOR_DRIVER_H
@@ -12,8 +12,11 @@ namespace tav::test {
 
 class EditorDriver {
 public:
-    /* Shows @window tall enough for every row. */
-    explicit EditorDriver (GtkWidget *window);
+    /* Shows @window tall enough for every row and records its signals
+     * @signal_names (each carrying one entry, task or note). */
+    explicit EditorDriver (GtkWidget *window,
+                           std::initializer_list<const char *> signal_names = {"entry-created", "entry-saved",
+                                                                                "deleting-entry"});
     ~EditorDriver ();
 
     GtkWidget *window () const { return m_window; }
@@ -22,6 +25,8 @@ public:
     GtkWidget *field (const char *name) const;
     std::string value (const char *name) const { return value_of (m_window, name); }
     static std::string value_of (GtkWidget *window, const char *name);
+    /* The widget named @name inside @window, shown or not. */
+    static GtkWidget *find (GtkWidget *window, const char *name);
 
     void tap (const char *name);
     /* Taps into the entry, moves to its end and types @text. */
@@ -61,6 +66,8 @@ public:
     /* Signals of the editor, in order, with the entries they carried. */
     std::vector<std::string> signals;
     std::vector<TavCalendarEntry *> signal_entries;
+    /* "signal:title" of each, the title as it was at the emission. */
+    std::vector<std::string> signal_titles;
     std::vector<std::string> errors;
 
 private:
