@@ -386,6 +386,13 @@ tav_memory_source_list_tasks (TavMemorySource *source)
 }
 
 GList *
+tav_memory_source_list_notes (TavMemorySource *source)
+{
+    g_return_val_if_fail (TAV_IS_MEMORY_SOURCE (source), nullptr);
+    return list_kind (source, Kind::Note, nullptr);
+}
+
+GList *
 tav_memory_source_expand (TavCalendarEntry *entry, const TavDateInterval *interval)
 {
     g_return_val_if_fail (TAV_IS_CALENDAR_ENTRY (entry), nullptr);

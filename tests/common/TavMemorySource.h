@@ -97,6 +97,7 @@ guint tav_memory_source_size (TavMemorySource *source);
  * full: free with g_list_free_full (list, g_object_unref). */
 GList *tav_memory_source_list_events (TavMemorySource *source, const TavDateInterval *interval);
 GList *tav_memory_source_list_tasks (TavMemorySource *source);
+GList *tav_memory_source_list_notes (TavMemorySource *source);
 
 /* The starts of @entry's occurrences touching @interval as a new list of
  * TavTimestamp (free with tav_timestamp_free), the expansion get_instances
