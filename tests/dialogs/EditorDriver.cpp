@@ -181,18 +181,8 @@ bool EditorDriver::choose (const char *name, const std::string &row_text)
     GtkWidget *dialog = open_picker (name);
     if (!dialog)
         return false;
-    KivoTouchSelector *selector = kivo_picker_button_get_selector (KIVO_PICKER_BUTTON (button));
-    GtkTreeView *view = GTK_TREE_VIEW (kivo_touch_selector_get_column_view (selector, 0));
-    GtkTreePath *path = gtk_tree_path_new_from_indices (int (it - offered.begin ()), -1);
-    gtk_tree_view_scroll_to_cell (view, path, nullptr, FALSE, 0, 0);
-    flush_events ();
     PointerDriver::wait (100);
-    GdkRectangle cell;
-    gtk_tree_view_get_cell_area (view, path, gtk_tree_view_get_column (view, 0), &cell);
-    gtk_tree_path_free (path);
-    int x = 0, y = 0;
-    gtk_tree_view_convert_bin_window_to_widget_coords (view, cell.x + cell.width / 2, cell.y + cell.height / 2, &x, &y);
-    PointerDriver::tap (GTK_WIDGET (view), x, y);
+    tap_selector_row (kivo_picker_button_get_selector (KIVO_PICKER_BUTTON (button)), int (it - offered.begin ()));
     close_picker (button, dialog, false);
     return true;
 }

@@ -1,5 +1,6 @@
 #include "PointerDriver.h"
 
+#include "KivoPannableArea.h"
 #include "TestSupport.h"
 
 #include <X11/extensions/XTest.h>
@@ -61,6 +62,28 @@ void PointerDriver::tap (GtkWidget *widget, int x, int y)
     move_to (widget, x, y);
     press (1);
     release (1);
+}
+
+void tap_selector_row (KivoTouchSelector *selector, int row, int column)
+{
+    GtkTreeView *view = GTK_TREE_VIEW (kivo_touch_selector_get_column_view (selector, column));
+    GtkTreePath *path = gtk_tree_path_new_from_indices (row, -1);
+    GdkRectangle cell;
+    gtk_tree_view_get_background_area (view, path, nullptr, &cell);
+    gtk_tree_path_free (path);
+    int x = 0, y = 0;
+    gtk_tree_view_convert_bin_window_to_widget_coords (view, 0, cell.y + cell.height / 2, &x, &y);
+    /* The rows scroll inside the column's pannable area, not the tree view. */
+    if (GtkWidget *area = gtk_widget_get_ancestor (GTK_WIDGET (view), KIVO_TYPE_PANNABLE_AREA)) {
+        GtkAdjustment *adjustment = kivo_pannable_area_get_vadjustment (KIVO_PANNABLE_AREA (area));
+        const double page = gtk_adjustment_get_page_size (adjustment);
+        const double value = GTK_WIDGET (view)->allocation.y + y - page / 2;
+        gtk_adjustment_set_value (adjustment, CLAMP (value, gtk_adjustment_get_lower (adjustment),
+                                                     gtk_adjustment_get_upper (adjustment) - page));
+        flush_events ();
+    }
+    PointerDriver::tap (GTK_WIDGET (view), GTK_WIDGET (view)->allocation.width / 2, y);
+    flush_events ();
 }
 
 void PointerDriver::drag (GtkWidget *widget, int x0, int y0, int x1, int y1, int steps, int step_ms,

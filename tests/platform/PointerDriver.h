@@ -4,6 +4,8 @@
 #ifndef TAV_TEST_POINTER_DRIVER_H
 #define TAV_TEST_POINTER_DRIVER_H
 
+#include "KivoTouchSelector.h"
+
 #include <gtk/gtk.h>
 
 #include <functional>
@@ -25,6 +27,10 @@ public:
     static void wait (int ms);
     static bool available ();
 };
+
+/* Scrolls row @row of @selector's column @column to the middle of what the
+ * column shows, as a finger would pan it, and taps it. */
+void tap_selector_row (KivoTouchSelector *selector, int row, int column = 0);
 
 /* A top-level window at a fixed place; with @child, holding it, shown and
  * drawn. */

@@ -104,16 +104,7 @@ TEST (PickerButton, ATapOnARowUpdatesTheValue)
     }, 2000));
     flush_events ();
     /* Tap the second row as the dialog shows it. */
-    GtkWidget *view = kivo_touch_selector_get_column_view (selector, 0);
-    GtkTreePath *path = gtk_tree_path_new_from_indices (1, -1);
-    GdkRectangle cell;
-    gtk_tree_view_get_cell_area (GTK_TREE_VIEW (view), path, nullptr, &cell);
-    gtk_tree_path_free (path);
-    int x = 0, y = 0;
-    gdk_window_get_origin (gtk_tree_view_get_bin_window (GTK_TREE_VIEW (view)), &x, &y);
-    PointerDriver::move_root (x + 40, y + cell.y + cell.height / 2);
-    PointerDriver::press (1);
-    PointerDriver::release (1);
+    tap_selector_row (selector, 1);
     ASSERT_TRUE (run_main_loop_until ([picker] { return !kivo_picker_button_get_picker_dialog (picker); }, 2000));
     EXPECT_STREQ (value_of (button), "Sunday");
     gchar *text = kivo_touch_selector_get_current_text (selector);

@@ -24,23 +24,6 @@ void tap_middle (GtkWidget *widget)
     flush_events ();
 }
 
-void tap_selector_row (KivoTouchSelector *selector, int row)
-{
-    GtkWidget *view = kivo_touch_selector_get_column_view (selector, 0);
-    GtkTreePath *path = gtk_tree_path_new_from_indices (row, -1);
-    gtk_tree_view_scroll_to_cell (GTK_TREE_VIEW (view), path, nullptr, FALSE, 0, 0);
-    flush_events ();
-    GdkRectangle cell;
-    gtk_tree_view_get_cell_area (GTK_TREE_VIEW (view), path, nullptr, &cell);
-    gtk_tree_path_free (path);
-    int x = 0, y = 0;
-    gdk_window_get_origin (gtk_tree_view_get_bin_window (GTK_TREE_VIEW (view)), &x, &y);
-    PointerDriver::move_root (x + 40, y + cell.y + cell.height / 2);
-    PointerDriver::press (1);
-    PointerDriver::release (1);
-    flush_events ();
-}
-
 bool wait_mapped (GtkWidget *const &widget, int timeout_ms)
 {
     const bool ok = run_main_loop_until ([&widget] { return widget && gtk_widget_get_mapped (widget); }, timeout_ms);

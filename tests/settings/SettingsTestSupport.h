@@ -24,8 +24,6 @@ struct ScopedWindow {
 GtkWidget *find_widget (GtkWidget *root, const std::function<bool (GtkWidget *)> &match);
 /* Taps the middle of @widget. */
 void tap_middle (GtkWidget *widget);
-/* Taps row @row of @selector's first column. */
-void tap_selector_row (KivoTouchSelector *selector, int row);
 /* Waits until @widget (a window) is mapped. */
 bool wait_mapped (GtkWidget *const &widget, int timeout_ms = 2000);
 /* Copies the shipped default tone (a valid WAV file) to @path. */

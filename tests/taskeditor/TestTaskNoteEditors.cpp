@@ -205,8 +205,9 @@ TEST (TaskEditor, FailingCalendarsReportAndLoseNothing)
         GtkWidget *w = tav_calendar_task_window_new_from_task (task);
         tav_calendar_task_window_add_sources (TAV_CALENDAR_TASK_WINDOW (w), cals.list);
         EditorDriver editor (w, TASK_SIGNALS);
-        if (c.move)
+        if (c.move) {
             ASSERT_TRUE (editor.choose ("calendar-button", "Work"));
+        }
         editor.type ("title-entry", " new");
         if (g_str_equal (c.click, "delete-button"))
             editor.answer_next_note (true);
