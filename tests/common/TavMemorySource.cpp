@@ -421,60 +421,23 @@ tav_memory_source_expand (TavCalendarEntry *entry, const TavDateInterval *interv
         if (!repeats)
             hi = std::min<gint64> (hi, s);
 
-        /* Step from one occurrence to the next instead of testing every
-         * day, so a read of many years stays cheap. */
+        /* Ask of every day an occurrence could start on whether one does:
+         * the plainest statement of the rules, and cheap enough here. */
         std::vector<gint64> hits;
-        auto add_if_in = [&] (int year, int month0, int day) {
-            TavDate date { year, month0, day };
-            if (!valid_for_gdate (date))
-                return;
-            gint64 j = julian_of (date);
-            if (j >= lo && j <= hi)
-                hits.push_back (j);
-        };
-        if (lo <= hi) {
-            TavDate lo_date = from_julian (guint32 (lo));
-            int lo_year = lo_date.year, lo_month = lo_date.month;
+        for (gint64 d = lo; d <= hi; ++d) {
+            TavDate date = from_julian (guint32 (d));
+            bool hit;
             switch (repeat) {
-            case TavCalendarRepeatsEveryDay:
-                for (gint64 d = lo; d <= hi; ++d)
-                    hits.push_back (d);
-                break;
-            case TavCalendarRepeatsEveryWorkday:
-                for (gint64 d = lo; d <= hi; ++d) {
-                    /* Julian day 1 (1 January of year 1) was a Monday. */
-                    int weekday = int ((d - 1) % 7); /* 0 = Monday */
-                    if (weekday < 5)
-                        hits.push_back (d);
-                }
-                break;
-            case TavCalendarRepeatsEveryWeek:
-                for (gint64 d = s + (lo - s + 6) / 7 * 7; d <= hi; d += 7)
-                    hits.push_back (d);
-                break;
-            case TavCalendarRepeatsEveryMonth:
-                for (int y = lo_year, m = lo_month;;) {
-                    if (julian_of (TavDate { y, m, 1 }) > hi)
-                        break;
-                    add_if_in (y, m, start->day);
-                    if (++m == 12) {
-                        m = 0;
-                        ++y;
-                    }
-                }
-                break;
-            case TavCalendarRepeatsEveryYear:
-                for (int y = lo_year; y <= 9999; ++y) {
-                    if (julian_of (TavDate { y, 0, 1 }) > hi)
-                        break;
-                    add_if_in (y, start->month, start->day);
-                }
-                break;
-            default:
-                if (s >= lo && s <= hi)
-                    hits.push_back (s);
-                break;
+            case TavCalendarRepeatsEveryDay: hit = true; break;
+            /* Julian day 1 (1 January of year 1) was a Monday. */
+            case TavCalendarRepeatsEveryWorkday: hit = (d - 1) % 7 < 5; break;
+            case TavCalendarRepeatsEveryWeek: hit = (d - s) % 7 == 0; break;
+            case TavCalendarRepeatsEveryMonth: hit = date.day == start->day; break;
+            case TavCalendarRepeatsEveryYear: hit = date.day == start->day && date.month == start->month; break;
+            default: hit = d == s; break;
             }
+            if (hit)
+                hits.push_back (d);
         }
         for (auto it = hits.rbegin (); it != hits.rend (); ++it) {
             TavTimestamp ts { from_julian (guint32 (*it)), *start_time };

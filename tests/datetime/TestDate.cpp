@@ -349,29 +349,26 @@ TEST (DateValues, FieldsAtTheEndsOfTheIntRangeGiveDefinedResults)
 /* Programming errors abort with the failed expression. */
 using DateValuesDeathTest = ::testing::Test;
 
-TEST (DateValuesDeathTest, NullInConversionsCompareAndIntersectAborts)
+/* One row per check: the call and the failed expression it aborts with. */
+TEST (DateValuesDeathTest, NullArgumentsAndInvalidDatesAbort)
 {
-    TavDate d = { 2009, 0, 1 };
+    TavDate d = { 2009, 0, 1 }, bad = { 2009, 1, 30 };
     TavTime t = { 1, 1 };
     struct tm tm = {};
     TavDateInterval i = {};
-    EXPECT_DEATH (tav_date_compare (nullptr, &d), "date1 != NULL && date2 != NULL");
-    EXPECT_DEATH (tav_date_compare (&d, nullptr), "date1 != NULL && date2 != NULL");
-    EXPECT_DEATH (tav_date_to_tm (nullptr, &d), "dest != NULL && source != NULL");
-    EXPECT_DEATH (tav_tm_to_date (&d, nullptr), "dest != NULL && source != NULL");
-    EXPECT_DEATH (tav_time_to_tm (&tm, nullptr), "dest != NULL && source != NULL");
-    EXPECT_DEATH (tav_tm_to_time (nullptr, &tm), "dest != NULL && source != NULL");
-    EXPECT_DEATH (tav_tm_to_timestamp (nullptr, &tm), "dest != NULL && source != NULL");
-    EXPECT_DEATH (tav_date_interval_intersect (&i, nullptr, nullptr), "src1 != NULL && src2 != NULL");
-    EXPECT_DEATH (tav_time_intersect (&t, nullptr, &t, &t, nullptr, nullptr),
-                  "atime_start != NULL && atime_end != NULL");
-    EXPECT_DEATH (tav_time_intersect (&t, &t, nullptr, &t, nullptr, nullptr),
-                  "btime_start != NULL && btime_end != NULL");
-}
-
-TEST (DateValuesDeathTest, LocalisedFormsOfAnInvalidDateAbort)
-{
-    TavDate bad = { 2009, 1, 30 };
-    EXPECT_DEATH (tav_date_to_string_format (&bad, TavDateLongFormat, 0), "tav_date_is_valid\\(date\\)");
-    EXPECT_DEATH (tav_date_to_week_num_string (&bad, 0), "tav_date_is_valid\\(date\\)");
+    const char *dates = "date1 != NULL && date2 != NULL", *conv = "dest != NULL && source != NULL",
+               *valid = "tav_date_is_valid\\(date\\)";
+    const std::pair<std::function<void ()>, const char *> rows[] = {
+        { [&] { tav_date_compare (nullptr, &d); }, dates }, { [&] { tav_date_compare (&d, nullptr); }, dates },
+        { [&] { tav_date_to_tm (nullptr, &d); }, conv },    { [&] { tav_tm_to_date (&d, nullptr); }, conv },
+        { [&] { tav_time_to_tm (&tm, nullptr); }, conv },   { [&] { tav_tm_to_time (nullptr, &tm); }, conv },
+        { [&] { tav_tm_to_timestamp (nullptr, &tm); }, conv },
+        { [&] { tav_date_interval_intersect (&i, nullptr, nullptr); }, "src1 != NULL && src2 != NULL" },
+        { [&] { tav_time_intersect (&t, nullptr, &t, &t, nullptr, nullptr); }, "atime_start != NULL && atime_end != NULL" },
+        { [&] { tav_time_intersect (&t, &t, nullptr, &t, nullptr, nullptr); }, "btime_start != NULL && btime_end != NULL" },
+        { [&] { g_free (tav_date_to_string_format (&bad, TavDateLongFormat, 0)); }, valid },
+        { [&] { g_free (tav_date_to_week_num_string (&bad, 0)); }, valid },
+    };
+    for (const auto &[call, expression] : rows)
+        EXPECT_DEATH (call (), expression);
 }
