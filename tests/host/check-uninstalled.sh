@@ -12,7 +12,9 @@ export PKG_CONFIG_PATH=$build/meson-uninstalled
 cflags=$(pkg-config --cflags libcalendarui)
 libs=$(pkg-config --libs libcalendarui)
 sanitize=""
-if ldd "$build/src/libcalendarui.so.0" | grep -q libasan; then
+# (grep -q would stop reading early, and pipefail would then count ldd's
+# broken pipe as a failure.)
+if ldd "$build/src/libcalendarui.so.0" | grep -c libasan >/dev/null; then
   sanitize="-fsanitize=address,undefined"
 fi
 cc -std=c99 -Wall -Werror -DGLIB_DISABLE_DEPRECATION_WARNINGS $sanitize $cflags -o "$out/host" \
