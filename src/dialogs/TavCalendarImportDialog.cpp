@@ -80,6 +80,7 @@ struct _TavCalendarImportDialogPrivate {
     GtkWidget *error_label = nullptr;
     GtkWidget *progress_label = nullptr;
     GtkWidget *bar = nullptr;
+    GtkWidget *count_label = nullptr;
     GtkWidget *summary_label = nullptr;
     GtkWidget *details_label = nullptr;
     GtkWidget *import_button = nullptr;
@@ -413,6 +414,9 @@ tav_calendar_import_dialog_init (TavCalendarImportDialog *dialog)
     gtk_widget_set_size_request (priv->bar, -1, 48);
     gtk_box_pack_start (GTK_BOX (progress), priv->progress_label, FALSE, FALSE, KIVO_MARGIN_DOUBLE);
     gtk_box_pack_start (GTK_BOX (progress), priv->bar, FALSE, FALSE, 0);
+    priv->count_label = gtk_label_new ("");
+    gtk_misc_set_alignment (GTK_MISC (priv->count_label), 1.0, 0.5);
+    gtk_box_pack_start (GTK_BOX (progress), priv->count_label, FALSE, FALSE, 0);
     gtk_notebook_append_page (GTK_NOTEBOOK (priv->notebook), progress, nullptr);
 
     /* Report */
@@ -545,7 +549,7 @@ tav_calendar_import_dialog_start (TavCalendarImportDialog *dialog)
     gtk_label_set_text (GTK_LABEL (priv->progress_label),
                         format_message ("cal_va_importing", display_name (file.get ())).c_str ());
     gtk_progress_bar_set_fraction (GTK_PROGRESS_BAR (priv->bar), 0.0);
-    gtk_progress_bar_set_text (GTK_PROGRESS_BAR (priv->bar), "");
+    gtk_label_set_text (GTK_LABEL (priv->count_label), "");
     priv->cancel_sent = false;
     set_stage (dialog, TAV_IMPORT_STAGE_PROGRESS);
     /* The host may answer at once with an error or even a report. */
@@ -565,7 +569,7 @@ tav_calendar_import_dialog_set_progress (TavCalendarImportDialog *dialog, guint 
     GtkProgressBar *bar = GTK_PROGRESS_BAR (priv->bar);
     if (total == 0) {
         gtk_progress_bar_pulse (bar);
-        gtk_progress_bar_set_text (bar, "");
+        gtk_label_set_text (GTK_LABEL (priv->count_label), "");
         return;
     }
     if (done > total)
@@ -577,7 +581,7 @@ tav_calendar_import_dialog_set_progress (TavCalendarImportDialog *dialog, guint 
         if (at != std::string::npos)
             text.replace (at, 2, std::to_string (n));
     }
-    gtk_progress_bar_set_text (bar, text.c_str ());
+    gtk_label_set_text (GTK_LABEL (priv->count_label), text.c_str ());
 }
 
 void
