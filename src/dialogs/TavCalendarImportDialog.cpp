@@ -270,6 +270,8 @@ on_file_clicked_cb (GtkButton *, gpointer data)
     const std::string &current = dialog->priv->file;
     if (!current.empty () && !is_uri (current))
         gtk_file_chooser_set_filename (GTK_FILE_CHOOSER (chooser), current.c_str ());
+    else
+        gtk_file_chooser_set_current_folder (GTK_FILE_CHOOSER (chooser), g_get_home_dir ());
     g_signal_connect (chooser, "response", G_CALLBACK (on_chooser_response_cb), dialog);
     tav_calendar_dialog_set_modal_widget_ptr (TAV_CALENDAR_DIALOG (dialog), chooser);
     gtk_widget_show (chooser);
