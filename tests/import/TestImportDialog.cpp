@@ -252,6 +252,84 @@ TEST (ImportDialog, BadInputIsRefusedWithAMessageAndNothingChanges)
     EXPECT_EQ (rig.store->count_entries (holidays.id), 5);
 }
 
+TEST (ImportDialog, ClosingTheDialogDuringAnImportUndoesIt)
+{
+    REQUIRE_XTEST ();
+    DialogRig rig;
+    const std::string before = dump (*rig.store);
+    write_text (rig.dir.file ("big.ics"), sample_calendar_text (10000, false));
+    tav_calendar_import_dialog_set_file (rig.view (), rig.dir.file ("big.ics").c_str ());
+    send_tap (button_labelled (rig.dialog, "Import"));
+    ASSERT_TRUE (iterate_until ([&] { return rig.store->count_entries (1) > 2000; }, 60000));
+    gtk_widget_destroy (rig.dialog);  /* as Escape does */
+    EXPECT_EQ (rig.dialog, nullptr);
+    flush_events ();
+    EXPECT_EQ (dump (*rig.store), before);
+}
+
+TEST (ImportDialog, ArgumentsAreCheckedAndTheBarShowsTheShareDone)
+{
+    REQUIRE_DISPLAY ();
+    TempDir dir;
+    std::shared_ptr<Store> store (open_store (dir.file ("s.db")).release ());
+    CalendarRecord shared = calendar_named ("Shared");
+    shared.read_only = true;
+    store->add_calendar (shared);
+    CalendarSet calendars (store);
+    calendars.reload ();
+    GtkWidget *dialog = tav_calendar_import_dialog_new ();
+    TavCalendarImportDialog *d = TAV_CALENDAR_IMPORT_DIALOG (dialog);
+    TavCalendarSource *personal = TAV_CALENDAR_SOURCE (calendars.source (1));
+    {
+        LogCapture capture;
+        EXPECT_TRUE (tav_calendar_import_dialog_add_calendar (d, personal));
+        EXPECT_FALSE (tav_calendar_import_dialog_add_calendar (d, personal)) << "offered once";
+        EXPECT_FALSE (tav_calendar_import_dialog_add_calendar (d, TAV_CALENDAR_SOURCE (calendars.source (shared.id))))
+            << "read-only";
+        EXPECT_FALSE (tav_calendar_import_dialog_set_calendar (d, TAV_CALENDAR_SOURCE (calendars.source (shared.id))));
+        EXPECT_FALSE (tav_calendar_import_dialog_add_calendar (d, nullptr));
+        EXPECT_CRITICAL (capture, "TAV_IS_CALENDAR_SOURCE (source)");
+        tav_calendar_import_dialog_set_report (d, TRUE, "caf\xe9", nullptr);
+        EXPECT_CRITICAL (capture, "summary == NULL || g_utf8_validate (summary, -1, NULL)");
+        EXPECT_EQ (tav_calendar_import_dialog_get_stage (d), TAV_IMPORT_STAGE_CHOOSE) << "nothing changed";
+        EXPECT_EQ (tav_calendar_import_dialog_get_stage (nullptr), TAV_IMPORT_STAGE_CHOOSE);
+        EXPECT_CRITICAL (capture, "TAV_IS_CALENDAR_IMPORT_DIALOG (dialog)");
+    }
+    /* Without a host the dialog stays where it is put. */
+    write_text (dir.file ("a.ics"), sample_calendar_text (2, false));
+    tav_calendar_import_dialog_set_file (d, dir.file ("a.ics").c_str ());
+    ASSERT_TRUE (tav_calendar_import_dialog_start (d));
+    gtk_window_move (GTK_WINDOW (dialog), 0, 0);
+    gtk_widget_set_size_request (dialog, 800, 480);
+    gtk_widget_show (dialog);
+    ASSERT_TRUE (wait_mapped (dialog));
+    GtkWidget *bar = find_widget (dialog, [] (GtkWidget *w) { return GTK_IS_PROGRESS_BAR (w); });
+    ASSERT_NE (bar, nullptr);
+    for (const auto &[done, total] : {std::pair {57u, 122u}, std::pair {122u, 122u}, std::pair {500u, 122u}}) {
+        tav_calendar_import_dialog_set_progress (d, done, total);
+        flush_events ();
+        gdk_window_process_all_updates ();
+        int x = 0, y = 0;
+        gdk_window_get_origin (bar->window, &x, &y);
+        if (!gtk_widget_get_has_window (bar)) {
+            x += bar->allocation.x;
+            y += bar->allocation.y;
+        }
+        GdkPixbuf *shot = gdk_pixbuf_get_from_drawable (nullptr, gdk_get_default_root_window (), nullptr, x,
+                                                        y + bar->allocation.height / 2, 0, 0, bar->allocation.width, 1);
+        ASSERT_NE (shot, nullptr);
+        int filled = 0;
+        const guchar *px = gdk_pixbuf_get_pixels (shot);
+        for (int x = 0; x < bar->allocation.width; ++x, px += gdk_pixbuf_get_n_channels (shot)) {
+            filled += px[2] > px[0] + 80;  /* the accent blue */
+        }
+        g_object_unref (shot);
+        const double expected = std::min (1.0, double (done) / total);
+        EXPECT_NEAR (double (filled) / bar->allocation.width, expected, 0.03) << done << " of " << total;
+    }
+    gtk_widget_destroy (dialog);
+}
+
 TEST (FirstRunWizard, FinishWritesTheChosenSettingsAndClearsFirstBoot)
 {
     REQUIRE_XTEST ();
@@ -273,6 +351,36 @@ TEST (FirstRunWizard, FinishWritesTheChosenSettingsAndClearsFirstBoot)
     choose_row (picker_titled (wizard, "Week starts on"), 1);
     tap_button (wizard, "Next");
     EXPECT_EQ (tav_calendar_first_run_wizard_get_page (TAV_CALENDAR_FIRST_RUN_WIZARD (wizard)), 2);
+
+    /* The last page imports through the import dialog, over the wizard. */
+    GtkWidget *offer = find_widget (wizard, [] (GtkWidget *w) {
+        return KIVO_IS_BUTTON (w) && g_strcmp0 (kivo_button_get_title (KIVO_BUTTON (w)), "Import a calendar file…") == 0;
+    });
+    ASSERT_NE (offer, nullptr);
+    tap_middle (offer);
+    GtkWidget *import = nullptr;
+    GList *toplevels = gtk_window_list_toplevels ();
+    for (GList *l = toplevels; l; l = l->next) {
+        if (TAV_IS_CALENDAR_IMPORT_DIALOG (l->data) && gtk_widget_get_visible (GTK_WIDGET (l->data)))
+            import = GTK_WIDGET (l->data);
+    }
+    g_list_free (toplevels);
+    ASSERT_NE (import, nullptr);
+    EXPECT_EQ (gtk_window_get_transient_for (GTK_WINDOW (import)), GTK_WINDOW (wizard));
+    write_text (dir.file ("four.ics"), sample_calendar_text (4, false));
+    tav_calendar_import_dialog_set_file (TAV_CALENDAR_IMPORT_DIALOG (import), dir.file ("four.ics").c_str ());
+    ASSERT_TRUE (wait_mapped (import));
+    tap_button (import, "Import");
+    ASSERT_TRUE (run_main_loop_until ([&] {
+        return tav_calendar_import_dialog_get_stage (TAV_CALENDAR_IMPORT_DIALOG (import)) == TAV_IMPORT_STAGE_REPORT;
+    }, 10000));
+    flush_events ();
+    tap_button (import, "Close");
+    EXPECT_EQ (app.calendars->store ().count_entries (1), 5);
+    EXPECT_NE (find_widget (wizard, [] (GtkWidget *w) {
+        return GTK_IS_LABEL (w) && gtk_widget_get_visible (w)
+               && g_str_has_prefix (gtk_label_get_text (GTK_LABEL (w)), "Imported 4 events, 1 task, 0 notes");
+    }), nullptr) << "the wizard says what was imported";
     EXPECT_EQ (read_file (file.path ()), "") << "nothing written before Finish";
     tap_button (wizard, "Finish");
     ASSERT_TRUE (run_main_loop_until ([&] { return wizard == nullptr; }, 2000));
