@@ -1138,12 +1138,14 @@ struct IcsImport::State {
         std::string ().swap (text);
     }
 
+    /* Begins the import's one transaction; false when the store cannot
+     * give one: nothing may then be written. */
     bool open_transaction ()
     {
         if (!tx) {
             tx = std::make_unique<Store::Transaction> (store);
         }
-        return true;
+        return tx->is_open ();
     }
 
     void parse_failed (const ParseError &error)
@@ -1169,7 +1171,9 @@ Status IcsImport::create_calendar (CalendarRecord &calendar)
     if (m->stage != Stage::Idle) {
         return Status::failure (CalendarInvalidArg, "the import has already started");
     }
-    m->open_transaction ();
+    if (!m->open_transaction ()) {
+        return Status::failure (CalendarDefaultError, "the calendar store is busy; try again");
+    }
     Status s = m->store.add_calendar (calendar);
     if (s.ok ()) {
         m->calendar_id = calendar.id;
@@ -1301,7 +1305,10 @@ bool IcsImport::State::advance (int64_t deadline)
         return true;
     }
     case Phase::Zones:
-        open_transaction ();
+        if (!open_transaction ()) {
+            fail (Status::failure (CalendarDefaultError, "the calendar store is busy; nothing was imported"));
+            return false;
+        }
         for (const std::string &zone : zone_blocks (zone_text)) {
             if (!register_zone (zone)) {
                 result.warnings.push_back ("a VTIMEZONE of the file cannot be read; its TZID is looked up by name");
