@@ -132,8 +132,28 @@ TEST (ImportSlices, BadFilesStoreNothingAndSayWhy)
         EXPECT_NE (said.find ("nothing was imported"), std::string::npos) << said;
         EXPECT_EQ (dump (*store), before) << name;
     }
-    /* A new calendar whose name is taken is refused before anything is read. */
+    /* The text is checked a megabyte at a time: a bad byte far into a big
+     * file is found on its own line, and the characters around the slices'
+     * seams are whole. */
+    std::string big = sample_calendar_text (15000, false);
+    for (size_t at = big.find ("Dentist"); at != std::string::npos; at = big.find ("Dentist", at + 1)) {
+        big.replace (at, 7, "Zahnärzt");
+    }
+    const size_t bad = big.find ("Yoga", big.size () * 3 / 4);
+    big[bad + 1] = '\xff';
+    const int bad_line = 1 + static_cast<int> (std::count (big.begin (), big.begin () + bad, '\n'));
+    ASSERT_GT (big.size (), size_t (2) << 20);
     IcsImport import (*store, 1);
+    import.start_text (big);
+    run_in_steps (import);
+    EXPECT_EQ (import.result ().line, bad_line);
+    EXPECT_EQ (import.result ().status.message, "line " + std::to_string (bad_line) + ": the text is not valid UTF-8");
+    EXPECT_EQ (dump (*store), before);
+    big[bad + 1] = 'o';
+    EXPECT_TRUE (import_ics_text (*store, 1, big).stored ()) << "every seam between slices falls between characters";
+
+    /* A new calendar whose name is taken is refused before anything is read. */
+    IcsImport named (*store, 1);
     CalendarRecord same = calendar_named ("Personal");
-    EXPECT_EQ (import.create_calendar (same).code, CalendarAlreadyExists);
+    EXPECT_EQ (named.create_calendar (same).code, CalendarAlreadyExists);
 }
