@@ -115,19 +115,19 @@ struct ImportDriver {
         auto *self = static_cast<ImportDriver *> (data);
         const int64_t start = g_get_monotonic_time ();
         const bool more = self->import->run (start + self->slice_us);
-        const int64_t spent = g_get_monotonic_time () - start;
-        if (self->stats) {
-            ++self->stats->slices;
-            self->stats->longest_us = std::max (self->stats->longest_us, spent);
-        }
         if (more) {
             tav_calendar_import_dialog_set_progress (self->view (), static_cast<guint> (self->import->done ()),
                                                      static_cast<guint> (self->import->total ()));
-            return TRUE;
+        } else {
+            self->idle = 0;
+            self->end ();
         }
-        self->idle = 0;
-        self->end ();
-        return FALSE;
+        /* The whole callback counts: the main loop waits for all of it. */
+        if (self->stats) {
+            ++self->stats->slices;
+            self->stats->longest_us = std::max (self->stats->longest_us, g_get_monotonic_time () - start);
+        }
+        return more;
     }
 
     void cancel ()

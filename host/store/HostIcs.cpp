@@ -1242,7 +1242,14 @@ bool IcsImport::run (int64_t deadline)
     if (m->stage != Stage::Running) {
         return false;
     }
+    bool first = true;
     do {
+        /* The time zones and the commit are steps no deadline can cut:
+         * each starts a slice of its own. */
+        if (!first && (m->phase == State::Phase::Zones || m->phase == State::Phase::Commit)) {
+            return true;
+        }
+        first = false;
         if (!m->advance (deadline)) {
             return false;
         }
