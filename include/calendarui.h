@@ -35,5 +35,7 @@
 #include "calendarui/TavEventView.h"
 #include "calendarui/TavDateSelectionWindow.h"
 #include "calendarui/TavCalendarWindow.h"
+#include "calendarui/TavCalendarImportDialog.h"
+#include "calendarui/TavCalendarFirstRunWizard.h"
 
 #endif /* CALENDARUI_H */

@@ -20,6 +20,7 @@
 #include "HostCivilTime.h"
 #include "HostDemo.h"
 #include "HostEditor.h"
+#include "HostImport.h"
 #include "HostWindow.h"
 #include "HostIcs.h"
 #include "HostAgenda.h"
@@ -313,21 +314,12 @@ int main (int argc, char **argv)
             fprintf (stderr, "tav-calendar: %s: %s\n", *file, w.c_str ());
         }
         if (!r.stored ()) {
-            if (r.line > 0) {
-                std::string message = r.status.message;
-                const std::string prefix = "line " + std::to_string (r.line) + ": ";
-                if (message.compare (0, prefix.size (), prefix) == 0) {
-                    message.erase (0, prefix.size ());
-                }
-                fprintf (stderr, "tav-calendar: %s:%d: %s; nothing was imported\n", *file, r.line, message.c_str ());
-            } else {
-                fprintf (stderr, "tav-calendar: %s: %s; nothing was imported\n", *file, r.status.message.c_str ());
-            }
+            fprintf (stderr, "tav-calendar: %s\n", import_failure (r, *file).c_str ());
             status = 1;
             continue;
         }
-        printf ("%s: imported %d events, %d tasks, %d notes into '%s'\n", *file, r.events, r.tasks, r.notes,
-                tav_calendar_source_get_title (TAV_CALENDAR_SOURCE (target)));
+        printf ("%s: %s\n", *file,
+                import_summary (r, tav_calendar_source_get_title (TAV_CALENDAR_SOURCE (target))).c_str ());
         fputs (r.report ().c_str (), stdout);
         if (!r.status.ok ()) {
             fprintf (stderr, "tav-calendar: %s: %s\n", *file, r.status.message.c_str ());
@@ -362,6 +354,7 @@ int main (int argc, char **argv)
             int shot = render_views (app, opt.screenshot);
             shot = shot ? shot : render_applet (app, opt.screenshot);
             shot = shot ? shot : render_editors (*app.calendars, focus, opt.screenshot);
+            shot = shot ? shot : render_import (app, opt.screenshot);
             status = status ? status : shot;
         } else if (opt.applet) {
             run_applet (app);
@@ -389,6 +382,9 @@ int main (int argc, char **argv)
             app.build ();
             gtk_widget_show (GTK_WIDGET (app.window));
             app.show (opt.view ? opt.view : default_view_name (settings.values.default_view));
+            if (settings.values.first_boot == SettingsValueFirstBootYes) {
+                gtk_widget_show (app.open_first_run_wizard ());
+            }
             gtk_main ();
         }
     }

@@ -50,6 +50,7 @@ struct Choice {
 };
 
 const Choice kChoices[] = {
+    {SettingsFirstBoot, &Settings::first_boot, SettingsValueFirstBootYes, SettingsValueFirstBootNo},
     {SettingsDefaultView, &Settings::default_view, SettingsValueMonthView, SettingsValueAgendaView},
     {SettingsWeekStart, &Settings::week_start, SettingsValueMonday, SettingsValueSunday},
     {SettingsHideDoneTasks, &Settings::hide_done_tasks, SettingsValueNo, SettingsValueYes},
@@ -60,7 +61,7 @@ const Choice kChoices[] = {
 
 bool Settings::operator== (const Settings &o) const
 {
-    return default_view == o.default_view && week_start == o.week_start && hide_done_tasks == o.hide_done_tasks
+    return first_boot == o.first_boot && default_view == o.default_view && week_start == o.week_start && hide_done_tasks == o.hide_done_tasks
            && remove_items == o.remove_items && alarm_tone == o.alarm_tone;
 }
 
@@ -93,6 +94,8 @@ std::vector<std::string> SettingsFile::load ()
         }
     } else {
         Settings defaults;
+        /* Settings were kept before: this is not the first start. */
+        values.first_boot = SettingsValueFirstBootNo;
         for (const Choice &c : kChoices) {
             const char *key = key_of (c.id);
             if (!g_key_file_has_key (file.get (), kGroup, key, nullptr)) {

@@ -5,6 +5,7 @@
  * keys and values are the nicks of the library's settings enumerations:
  *
  *   [calendar]
+ *   firstboot=firstbootno
  *   weekstart=monday
  *   defaultview=monthview
  *   hidedonetasks=no
@@ -28,6 +29,9 @@
 namespace tav::host {
 
 struct Settings {
+    /* SettingsValueFirstBootYes until the first-run wizard was finished; a
+     * file written before the key existed counts as no. */
+    int first_boot = SettingsValueFirstBootYes;
     int default_view = SettingsValueMonthView;
     int week_start = SettingsValueMonday;
     int hide_done_tasks = SettingsValueNo;

@@ -269,6 +269,8 @@ void App::build ()
     g_signal_connect (window, "new-event-activated", G_CALLBACK (on_new_event_cb), this);
     g_signal_connect (window, "edit-event-activated", G_CALLBACK (on_edit_event_cb), this);
     g_signal_connect (window, "settings-activated", G_CALLBACK (on_settings_cb), this);
+    g_signal_connect_swapped (tav_calendar_window_add_menu_item (window, "Import calendar file"), "clicked",
+                              G_CALLBACK (+[] (App *app) { app->open_import (); }), this);
     apply_settings ();
 }
 

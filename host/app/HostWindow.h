@@ -33,6 +33,12 @@ struct App {
     void apply_settings ();
     /* Opens the settings dialog over the window (or alone before it). */
     GtkWidget *open_settings ();
+    /* Opens the import dialog over the window (or over @parent); the views
+     * read again after an import. */
+    GtkWidget *open_import (GtkWindow *parent = nullptr);
+    /* Opens the first-run wizard over the window: its Finish stores the
+     * choices with first boot cleared and shows the chosen view. */
+    GtkWidget *open_first_run_wizard ();
     int visible_calendars () const;
     /* Shows view @name on the focus date; false when it is not in the build. */
     bool show (const std::string &name);

@@ -87,44 +87,62 @@ bool valid_name_char (char c)
     return g_ascii_isalnum (c) || c == '-';
 }
 
-/* Splits @text into unfolded logical lines. Lines that cannot be a content
- * line ("NAME[;PARAM=...]:VALUE") are reported by number. */
-bool split_lines (const std::string &text, std::vector<Line> &lines, ParseError &error)
+/* Whether a sliced pass has come to the end of its time. */
+bool out_of_time (int64_t deadline)
 {
+    return deadline >= 0 && g_get_monotonic_time () >= deadline;
+}
+
+enum class Step { Done, More, Failed };
+
+/* Splits a text into unfolded logical lines, a slice at a time. Lines that
+ * cannot be a content line ("NAME[;PARAM=...]:VALUE") are reported by
+ * number later, by the collector. */
+struct LineSplitter {
     size_t pos = 0;
     int number = 0;
-    while (pos < text.size ()) {
-        size_t eol = text.find ('\n', pos);
-        if (eol == std::string::npos) {
-            eol = text.size ();
-        }
-        std::string physical = text.substr (pos, eol - pos);
-        if (!physical.empty () && physical.back () == '\r') {
-            physical.pop_back ();
-        }
-        ++number;
-        pos = eol + 1;
-        if (!physical.empty () && (physical[0] == ' ' || physical[0] == '\t')) {
-            if (lines.empty ()) {
-                error = {number, "a continuation line with nothing to continue"};
-                return false;
+
+    Step run (const std::string &text, std::vector<Line> &lines, ParseError &error, int64_t deadline)
+    {
+        for (int n = 0; pos < text.size (); ++n) {
+            if ((n & 255) == 255 && out_of_time (deadline)) {
+                return Step::More;
             }
-            lines.back ().text += physical.substr (1);
-            continue;
+            size_t eol = text.find ('\n', pos);
+            if (eol == std::string::npos) {
+                eol = text.size ();
+            }
+            size_t length = eol - pos;
+            if (length && text[pos + length - 1] == '\r') {
+                --length;
+            }
+            ++number;
+            const size_t from = pos;
+            pos = eol + 1;
+            if (length && (text[from] == ' ' || text[from] == '\t')) {
+                if (lines.empty ()) {
+                    error = {number, "a continuation line with nothing to continue"};
+                    return Step::Failed;
+                }
+                lines.back ().text.append (text, from + 1, length - 1);
+                continue;
+            }
+            lines.push_back ({text.substr (from, length), number, {}});
         }
-        lines.push_back ({physical, number, {}});
+        return Step::Done;
     }
-    for (Line &line : lines) {
-        size_t i = 0;
-        while (i < line.text.size () && valid_name_char (line.text[i])) {
-            ++i;
-        }
-        line.name = line.text.substr (0, i);
-        for (char &c : line.name) {
-            c = g_ascii_toupper (c);
-        }
+};
+
+void name_line (Line &line)
+{
+    size_t i = 0;
+    while (i < line.text.size () && valid_name_char (line.text[i])) {
+        ++i;
     }
-    return true;
+    line.name = line.text.substr (0, i);
+    for (char &c : line.name) {
+        c = g_ascii_toupper (c);
+    }
 }
 
 bool content_line_ok (const Line &line)
@@ -169,16 +187,16 @@ std::string upper (std::string s)
     return s;
 }
 
-/* Checks the nesting of BEGIN/END and collects the entries. Text outside
- * any component (comments, blank lines) is skipped with a warning. */
-bool collect_items (const std::vector<Line> &lines, std::vector<Item> &items, std::string &zones,
-                    std::vector<std::string> &warnings, ParseError &error)
-{
+/* Checks the nesting of BEGIN/END and collects the entries, a slice at a
+ * time. Text outside any component (comments, blank lines) is skipped with
+ * a warning. */
+struct ItemCollector {
     struct Open {
         std::string kind;
         int line;
         int item;  /* index into items, or -1 */
     };
+    size_t next = 0;  /* the next line to look at */
     std::vector<Open> stack;
     std::string zone_text;
     bool in_zone = false;
@@ -186,15 +204,49 @@ bool collect_items (const std::vector<Line> &lines, std::vector<Item> &items, st
     std::map<std::string, std::pair<int, int>> skipped;  /* kind: count, first line */
     size_t calendar_first_item = 0;  /* the first entry of the current VCALENDAR */
     std::string method;
-    for (const Line &line : lines) {
+
+    Step run (std::vector<Line> &lines, std::vector<Item> &items, ParseError &error, int64_t deadline)
+    {
+        for (int n = 0; next < lines.size (); ++n) {
+            if ((n & 255) == 255 && out_of_time (deadline)) {
+                return Step::More;
+            }
+            Line &line = lines[next++];
+            name_line (line);
+            if (!take (line, items, error)) {
+                return Step::Failed;
+            }
+        }
+        if (!stack.empty ()) {
+            error = {stack.back ().line, "BEGIN:" + stack.back ().kind + " is never closed"};
+            return Step::Failed;
+        }
+        return Step::Done;
+    }
+
+    void finish (std::vector<std::string> &warnings, std::string &zones)
+    {
+        for (const auto &s : skipped) {
+            warnings.push_back ("line " + std::to_string (s.second.second) + ": " + std::to_string (s.second.first) + " " +
+                                s.first + " component(s) are not calendar entries and were not imported");
+        }
+        if (ignored) {
+            warnings.push_back ("line " + std::to_string (first_ignored) + ": " + std::to_string (ignored) +
+                                " line(s) outside any component ignored");
+        }
+        zones = zone_text;
+    }
+
+    bool take (const Line &line, std::vector<Item> &items, ParseError &error)
+    {
         if (line.text.empty ()) {
-            continue;
+            return true;
         }
         if (stack.empty () && line.name != "BEGIN") {
             if (ignored++ == 0) {
                 first_ignored = line.number;
             }
-            continue;
+            return true;
         }
         if (!content_line_ok (line)) {
             error = {line.number, "\"" + line.text + "\" is not an iCalendar content line"};
@@ -228,7 +280,7 @@ bool collect_items (const std::vector<Line> &lines, std::vector<Item> &items, st
                 zone_text += line.text + "\r\n";
             }
             stack.push_back ({kind, line.number, item});
-            continue;
+            return true;
         }
         if (line.name == "END") {
             const std::string kind = upper (line_value (line));
@@ -250,7 +302,7 @@ bool collect_items (const std::vector<Line> &lines, std::vector<Item> &items, st
             } else if (closed.item >= 0) {
                 items[closed.item].child_lines.push_back (&line);
             }
-            continue;
+            return true;
         }
         if (in_zone) {
             zone_text += line.text + "\r\n";
@@ -266,22 +318,9 @@ bool collect_items (const std::vector<Line> &lines, std::vector<Item> &items, st
             const bool own = item.first_line == stack.back ().line;
             (own ? item.own_lines : item.child_lines).push_back (&line);
         }
+        return true;
     }
-    if (!stack.empty ()) {
-        error = {stack.back ().line, "BEGIN:" + stack.back ().kind + " is never closed"};
-        return false;
-    }
-    for (const auto &s : skipped) {
-        warnings.push_back ("line " + std::to_string (s.second.second) + ": " + std::to_string (s.second.first) + " " +
-                            s.first + " component(s) are not calendar entries and were not imported");
-    }
-    if (ignored) {
-        warnings.push_back ("line " + std::to_string (first_ignored) + ": " + std::to_string (ignored) +
-                            " line(s) outside any component ignored");
-    }
-    zones = zone_text;
-    return true;
-}
+};
 
 const std::set<std::string> &handled_properties (const std::string &kind)
 {
@@ -1054,148 +1093,369 @@ std::vector<std::string> zone_blocks (const std::string &zone_text)
 
 }  // namespace
 
-ImportResult import_ics_text (Store &store, int64_t calendar_id, const std::string &text, const ImportProgress &progress)
-{
-    ImportResult result;
-    CalendarRecord calendar;
-    if (!store.find_calendar (calendar_id, &calendar)) {
-        result.status = Status::failure (CalendarInvalidArg, "there is no calendar " + std::to_string (calendar_id));
-        return result;
-    }
-    if (calendar.read_only) {
-        result.status = Status::failure (CalendarInvalidArg, "the calendar '" + calendar.title + "' is read-only");
-        return result;
-    }
-    const char *bad = nullptr;
-    if (!g_utf8_validate (text.data (), static_cast<gssize> (text.size ()), &bad)) {
-        result.line = 1 + static_cast<int> (std::count (text.data (), bad, '\n'));
-        result.status = Status::failure (CalendarInvalidIcsFile,
-                                         "line " + std::to_string (result.line) + ": the text is not valid UTF-8");
-        return result;
-    }
-
+struct IcsImport::State {
+    Store &store;
+    int64_t calendar_id;
+    ImportProgress progress;
+    Stage stage = Stage::Idle;
+    enum class Phase { Validate, Split, Collect, Zones, Apply, Commit } phase = Phase::Validate;
+    std::string text;
+    size_t validated = 0;
     std::vector<Line> lines;
     std::vector<Item> items;
+    LineSplitter splitter;
+    ItemCollector collector;
     std::string zone_text;
-    ParseError error {0, {}};
-    if (!split_lines (text, lines, error) || !collect_items (lines, items, zone_text, result.warnings, error)) {
-        result.line = error.line;
-        result.status = Status::failure (CalendarInvalidIcsFile, "line " + std::to_string (error.line) + ": " + error.message);
-        return result;
-    }
-    if (items.empty ()) {
-        result.status = Status::failure (CalendarInvalidIcsFile, "the file holds no events, tasks or notes");
-        return result;
+    std::unique_ptr<Store::Transaction> tx;
+    ImportResult result;
+    std::map<std::string, int> seen;
+    size_t next = 0;  /* the next item to apply */
+    size_t total = 0;  /* items found */
+
+    State (Store &s, int64_t id, ImportProgress p) : store (s), calendar_id (id), progress (std::move (p)) {}
+
+    void fail (ImportResult failed)
+    {
+        tx.reset ();  /* rolls back */
+        result = std::move (failed);
+        stage = Stage::Failed;
+        release ();
     }
 
-    Store::Transaction tx (store);
-    for (const std::string &zone : zone_blocks (zone_text)) {
-        if (!register_zone (zone)) {
-            result.warnings.push_back ("a VTIMEZONE of the file cannot be read; its TZID is looked up by name");
-            continue;
-        }
-        ComponentPtr comp (icalparser_parse_string (zone.c_str ()));
-        icalproperty *id = comp ? icalcomponent_get_first_property (comp.get (), ICAL_TZID_PROPERTY) : nullptr;
-        Status s = id ? store.save_zone (icalproperty_get_tzid (id), zone) : Status::success ();
-        if (!s.ok ()) {
-            result.status = s;
-            return result;
-        }
-    }
-    TimeReader times {&result.warnings};
-    Importer importer {store, calendar_id, result};
-    std::map<std::string, int> seen;
-    const size_t total = items.size ();
-    for (size_t i = 0; i < total; ++i) {
-        const Item &item = items[i];
-        ImportCounts &counts = result.methods[item.method];
-        std::string source = "BEGIN:" + item.kind + "\r\n";
-        for (const Line *l : item.own_lines) {
-            source += l->text + "\r\n";
-        }
-        for (const Line *l : item.child_lines) {
-            source += l->text + "\r\n";
-        }
-        source += "END:" + item.kind + "\r\n";
-        ComponentPtr comp (parse_component (source));
-        EntryRecord rec;
-        rec.calendar_id = calendar_id;
-        std::string message;
-        int line = item.first_line;
-        if (!comp) {
-            importer.skip (counts, line, item.kind + " cannot be read");
-        } else if (!to_record (comp.get (), item, times, rec, message, line, result.warnings)) {
-            importer.skip (counts, line, message);
-        } else {
-            if (rec.uid.empty ()) {
-                rec.uid = derived_uid (item, seen);
-            }
-            Status s = importer.apply (rec, item.method, item, counts);
-            if (!s.ok ()) {
-                ImportResult failed;
-                failed.line = item.first_line;
-                failed.status = Status::failure (s.code, "line " + std::to_string (item.first_line) + ": " + s.message);
-                return failed;  /* the transaction rolls back */
-            }
-        }
-        if (progress && !progress (i + 1, total)) {
-            ImportResult stopped;
-            stopped.status = Status::failure (CalendarDefaultError, "the import was stopped; nothing was stored");
-            return stopped;
-        }
-    }
-    Status s = tx.commit ();
-    if (!s.ok ()) {
+    void fail (Status status, int line = 0)
+    {
         ImportResult failed;
-        failed.status = s;
-        return failed;
+        failed.status = std::move (status);
+        failed.line = line;
+        fail (std::move (failed));
     }
-    for (const auto &m : result.methods) {
-        result.counts += m.second;
+
+    /* The parsed text is not needed once the import has ended. */
+    void release ()
+    {
+        std::vector<Item> ().swap (items);
+        std::vector<Line> ().swap (lines);
+        std::string ().swap (text);
     }
-    if (!result.skipped.empty ()) {
-        result.status = Status::failure (CalendarImportIncomplete,
-                                         std::to_string (result.skipped.size ()) + " of " + std::to_string (total) +
-                                             " components were skipped; the others were stored");
-        result.line = result.skipped.front ().line;
-    } else {
-        result.status = Status::success ();
+
+    /* Begins the import's one transaction; false when the store cannot
+     * give one: nothing may then be written. */
+    bool open_transaction ()
+    {
+        if (!tx) {
+            tx = std::make_unique<Store::Transaction> (store);
+        }
+        return tx->is_open ();
     }
-    return result;
+
+    void parse_failed (const ParseError &error)
+    {
+        fail (Status::failure (CalendarInvalidIcsFile, "line " + std::to_string (error.line) + ": " + error.message),
+              error.line);
+    }
+
+    /* One slice of the current phase; false when the import has ended. */
+    bool advance (int64_t deadline);
+    bool apply_one ();
+};
+
+IcsImport::IcsImport (Store &store, int64_t calendar_id, ImportProgress progress)
+    : m (std::make_unique<State> (store, calendar_id, std::move (progress)))
+{
 }
 
-ImportResult import_ics_file (Store &store, int64_t calendar_id, const std::string &path, const ImportProgress &progress)
+IcsImport::~IcsImport () = default;
+
+Status IcsImport::create_calendar (CalendarRecord &calendar)
 {
-    ImportResult result;
+    if (m->stage != Stage::Idle) {
+        return Status::failure (CalendarInvalidArg, "the import has already started");
+    }
+    if (!m->open_transaction ()) {
+        return Status::failure (CalendarDefaultError, "the calendar store is busy; try again");
+    }
+    Status s = m->store.add_calendar (calendar);
+    if (s.ok ()) {
+        m->calendar_id = calendar.id;
+    }
+    return s;
+}
+
+void IcsImport::start_text (std::string text)
+{
+    if (m->stage != Stage::Idle) {
+        return;
+    }
+    m->stage = Stage::Running;
+    CalendarRecord calendar;
+    if (!m->store.find_calendar (m->calendar_id, &calendar)) {
+        m->fail (Status::failure (CalendarInvalidArg, "there is no calendar " + std::to_string (m->calendar_id)));
+        return;
+    }
+    if (calendar.read_only) {
+        m->fail (Status::failure (CalendarInvalidArg, "the calendar '" + calendar.title + "' is read-only"));
+        return;
+    }
+    m->text = std::move (text);
+}
+
+void IcsImport::start_file (const std::string &path)
+{
+    if (m->stage != Stage::Idle) {
+        return;
+    }
     GStatBuf st;
     if (g_stat (path.c_str (), &st) != 0) {
-        result.status = Status::failure (CalendarInvalidIcsFile,
-                                         "cannot read '" + path + "': " + g_strerror (errno));
-        return result;
+        m->stage = Stage::Running;
+        m->fail (Status::failure (CalendarInvalidIcsFile, "cannot read '" + path + "': " + g_strerror (errno)));
+        return;
     }
     if (!S_ISREG (st.st_mode)) {
-        result.status = Status::failure (CalendarInvalidIcsFile,
-                                         "'" + path + "' is not a regular file; only iCalendar files are imported");
-        return result;
+        m->stage = Stage::Running;
+        m->fail (Status::failure (CalendarInvalidIcsFile,
+                                  "'" + path + "' is not a regular file; only iCalendar files are imported"));
+        return;
     }
     if (st.st_size > kMaxImportBytes) {
-        result.status = Status::failure (CalendarInvalidIcsFile,
-                                         "'" + path + "' is too large to be a calendar (" +
-                                             std::to_string (st.st_size >> 20) + " MiB; at most " +
-                                             std::to_string (kMaxImportBytes >> 20) + " MiB are read)");
-        return result;
+        m->stage = Stage::Running;
+        m->fail (Status::failure (CalendarInvalidIcsFile, "'" + path + "' is too large to be a calendar (" +
+                                                              std::to_string (st.st_size >> 20) + " MiB; at most " +
+                                                              std::to_string (kMaxImportBytes >> 20) + " MiB are read)"));
+        return;
     }
     gchar *contents = nullptr;
     gsize length = 0;
     GError *err = nullptr;
     if (!g_file_get_contents (path.c_str (), &contents, &length, &err)) {
-        result.status = Status::failure (CalendarInvalidIcsFile, std::string ("cannot read '") + path + "': " + err->message);
+        m->stage = Stage::Running;
+        m->fail (Status::failure (CalendarInvalidIcsFile, std::string ("cannot read '") + path + "': " + err->message));
         g_error_free (err);
-        return result;
+        return;
     }
     std::string text (contents, length);
     g_free (contents);
-    return import_ics_text (store, calendar_id, text, progress);
+    start_text (std::move (text));
+}
+
+bool IcsImport::run (int64_t deadline)
+{
+    if (m->stage != Stage::Running) {
+        return false;
+    }
+    bool first = true;
+    do {
+        /* The time zones and the commit are steps no deadline can cut:
+         * each starts a slice of its own. */
+        if (!first && (m->phase == State::Phase::Zones || m->phase == State::Phase::Commit)) {
+            return true;
+        }
+        first = false;
+        if (!m->advance (deadline)) {
+            return false;
+        }
+    } while (!out_of_time (deadline));
+    return true;
+}
+
+bool IcsImport::State::advance (int64_t deadline)
+{
+    switch (phase) {
+    case Phase::Validate: {
+        /* A slice ends at a line break: no UTF-8 sequence holds one. */
+        size_t end = std::min (text.size (), validated + (1 << 20));
+        if (end < text.size ()) {
+            const size_t nl = text.find ('\n', end);
+            end = nl == std::string::npos ? text.size () : nl + 1;
+        }
+        const char *bad = nullptr;
+        if (!g_utf8_validate (text.data () + validated, static_cast<gssize> (end - validated), &bad)) {
+            const int line = 1 + static_cast<int> (std::count (static_cast<const char *> (text.data ()), bad, '\n'));
+            fail (Status::failure (CalendarInvalidIcsFile, "line " + std::to_string (line) + ": the text is not valid UTF-8"),
+                  line);
+            return false;
+        }
+        validated = end;
+        if (validated == text.size ()) {
+            phase = Phase::Split;
+        }
+        return true;
+    }
+    case Phase::Split: {
+        ParseError error {0, {}};
+        const Step step = splitter.run (text, lines, error, deadline);
+        if (step == Step::Failed) {
+            parse_failed (error);
+            return false;
+        }
+        if (step == Step::Done) {
+            phase = Phase::Collect;
+        }
+        return true;
+    }
+    case Phase::Collect: {
+        ParseError error {0, {}};
+        const Step step = collector.run (lines, items, error, deadline);
+        if (step == Step::Failed) {
+            parse_failed (error);
+            return false;
+        }
+        if (step == Step::Done) {
+            collector.finish (result.warnings, zone_text);
+            if (items.empty ()) {
+                fail (Status::failure (CalendarInvalidIcsFile, "the file holds no events, tasks or notes"));
+                return false;
+            }
+            std::string ().swap (text);
+            total = items.size ();
+            phase = Phase::Zones;
+        }
+        return true;
+    }
+    case Phase::Zones:
+        if (!open_transaction ()) {
+            fail (Status::failure (CalendarDefaultError, "the calendar store is busy; nothing was imported"));
+            return false;
+        }
+        for (const std::string &zone : zone_blocks (zone_text)) {
+            if (!register_zone (zone)) {
+                result.warnings.push_back ("a VTIMEZONE of the file cannot be read; its TZID is looked up by name");
+                continue;
+            }
+            ComponentPtr comp (icalparser_parse_string (zone.c_str ()));
+            icalproperty *id = comp ? icalcomponent_get_first_property (comp.get (), ICAL_TZID_PROPERTY) : nullptr;
+            Status s = id ? store.save_zone (icalproperty_get_tzid (id), zone) : Status::success ();
+            if (!s.ok ()) {
+                fail (s);
+                return false;
+            }
+        }
+        phase = Phase::Apply;
+        return true;
+    case Phase::Apply:
+        if (next < items.size ()) {
+            return apply_one ();
+        }
+        phase = Phase::Commit;
+        return true;
+    case Phase::Commit: {
+        Status s = tx->commit ();
+        if (!s.ok ()) {
+            fail (s);
+            return false;
+        }
+        tx.reset ();
+        for (const auto &entry : result.methods) {
+            result.counts += entry.second;
+        }
+        if (!result.skipped.empty ()) {
+            result.status = Status::failure (CalendarImportIncomplete,
+                                             std::to_string (result.skipped.size ()) + " of " + std::to_string (total) +
+                                                 " components were skipped; the others were stored");
+            result.line = result.skipped.front ().line;
+        } else {
+            result.status = Status::success ();
+        }
+        stage = Stage::Finished;
+        release ();
+        return false;
+    }
+    }
+    return false;
+}
+
+bool IcsImport::State::apply_one ()
+{
+    TimeReader times {&result.warnings};
+    Importer importer {store, calendar_id, result};
+    const size_t i = next++;
+    const Item &item = items[i];
+    ImportCounts &counts = result.methods[item.method];
+    std::string source = "BEGIN:" + item.kind + "\r\n";
+    for (const Line *l : item.own_lines) {
+        source += l->text + "\r\n";
+    }
+    for (const Line *l : item.child_lines) {
+        source += l->text + "\r\n";
+    }
+    source += "END:" + item.kind + "\r\n";
+    ComponentPtr comp (parse_component (source));
+    EntryRecord rec;
+    rec.calendar_id = calendar_id;
+    std::string message;
+    int line = item.first_line;
+    if (!comp) {
+        importer.skip (counts, line, item.kind + " cannot be read");
+    } else if (!to_record (comp.get (), item, times, rec, message, line, result.warnings)) {
+        importer.skip (counts, line, message);
+    } else {
+        if (rec.uid.empty ()) {
+            rec.uid = derived_uid (item, seen);
+        }
+        Status s = importer.apply (rec, item.method, item, counts);
+        if (!s.ok ()) {
+            /* the transaction rolls back */
+            fail (Status::failure (s.code, "line " + std::to_string (item.first_line) + ": " + s.message), item.first_line);
+            return false;
+        }
+    }
+    if (progress && !progress (i + 1, total)) {
+        fail (Status::failure (CalendarDefaultError, "the import was stopped; nothing was stored"));
+        stage = Stage::Cancelled;
+        return false;
+    }
+    return true;
+}
+
+void IcsImport::cancel ()
+{
+    if (m->stage == Stage::Finished || m->stage == Stage::Failed || m->stage == Stage::Cancelled) {
+        return;
+    }
+    m->fail (Status::failure (CalendarDefaultError, "the import was stopped; nothing was stored"));
+    m->stage = Stage::Cancelled;
+}
+
+IcsImport::Stage IcsImport::stage () const
+{
+    return m->stage;
+}
+
+size_t IcsImport::done () const
+{
+    return m->next;
+}
+
+size_t IcsImport::total () const
+{
+    return m->total;
+}
+
+const ImportResult &IcsImport::result () const
+{
+    return m->result;
+}
+
+int64_t IcsImport::calendar_id () const
+{
+    return m->calendar_id;
+}
+
+ImportResult import_ics_text (Store &store, int64_t calendar_id, const std::string &text, const ImportProgress &progress)
+{
+    IcsImport import (store, calendar_id, progress);
+    import.start_text (text);
+    while (import.run (-1)) {
+    }
+    return import.result ();
+}
+
+ImportResult import_ics_file (Store &store, int64_t calendar_id, const std::string &path, const ImportProgress &progress)
+{
+    IcsImport import (store, calendar_id, progress);
+    import.start_file (path);
+    while (import.run (-1)) {
+    }
+    return import.result ();
 }
 
 /* Export ------------------------------------------------------------------ */

@@ -25,6 +25,7 @@
 #include <cstddef>
 #include <functional>
 #include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -75,6 +76,56 @@ using ImportProgress = std::function<bool (size_t done, size_t total)>;
 
 /* Files larger than this are refused before they are read. */
 constexpr int64_t kMaxImportBytes = 256 << 20;
+
+/* An import the caller drives a slice at a time, so that a user interface
+ * stays responsive: run() works until a deadline and returns, the caller
+ * calls it again (from an idle callback) until it returns false. The whole
+ * import is one transaction, from the first write (create_calendar(), or
+ * the first entry) to the commit in the last slice; cancel() (or
+ * destroying the object before the end, or @progress answering false)
+ * rolls it all back, the calendar create_calendar() made included. The
+ * result, read once run() returned false, is what import_ics_text()
+ * gives for the same text: the functions below are this object run
+ * without a deadline.
+ *
+ * Slices: reading the text goes by lines (checked every 256 lines), the
+ * entries one component at a time; the only steps that may outlast a
+ * deadline are the time zones of the file and the commit. */
+class IcsImport {
+public:
+    enum class Stage { Idle, Running, Finished, Failed, Cancelled };
+
+    IcsImport (Store &store, int64_t calendar_id, ImportProgress progress = {});
+    ~IcsImport ();
+    IcsImport (const IcsImport &) = delete;
+    IcsImport &operator= (const IcsImport &) = delete;
+
+    /* Imports into a new calendar, created now within the import's
+     * transaction (before start_*). CalendarAlreadyExists for a title in
+     * use; the import must then not be started. */
+    Status create_calendar (CalendarRecord &calendar);
+    /* Starts on @text, or on the file at @path (checked and read at once;
+     * a file that cannot be read ends the import as Failed). */
+    void start_text (std::string text);
+    void start_file (const std::string &path);
+    /* Works until @deadline (g_get_monotonic_time () microseconds; < 0: to
+     * the end). Does at least one step. True while work remains. */
+    bool run (int64_t deadline);
+    void cancel ();
+
+    Stage stage () const;
+    /* Components applied so far, and how many the file holds (0 while it
+     * is still being read). */
+    size_t done () const;
+    size_t total () const;
+    int64_t calendar_id () const;
+    /* Valid once run() returned false. */
+    const ImportResult &result () const;
+
+private:
+    struct State;
+    std::unique_ptr<State> m;
+};
 
 ImportResult import_ics_text (Store &store, int64_t calendar_id, const std::string &text,
                               const ImportProgress &progress = {});

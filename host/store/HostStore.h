@@ -82,6 +82,8 @@ public:
         explicit Transaction (Store &store);
         ~Transaction ();  /* rolls back unless committed */
         Status commit ();
+        /* False when it could not begin (another writer holds the store). */
+        bool is_open () const { return m_open; }
     private:
         Store &m_store;
         bool m_open;

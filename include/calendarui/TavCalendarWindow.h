@@ -172,6 +172,19 @@ TAV_API gboolean         tav_calendar_window_get_view_changed        (TavCalenda
 TAV_API void             scroll_current_vew                          (TavCalendarWindow *window,
                                                                       GtkAdjustment *adj);
 
+/**
+ * tav_calendar_window_add_menu_item:
+ * @window: the calendar window
+ * @label: the item's text, shown as given (translate it first)
+ *
+ * Appends an item of the host's own to the main window's menu, after the
+ * library's items; connect its "clicked".
+ * Returns: (transfer none): the item, a #GtkButton that lives as long as
+ * the menu.
+ */
+TAV_API GtkWidget       *tav_calendar_window_add_menu_item           (TavCalendarWindow *window,
+                                                                      const char *label);
+
 G_END_DECLS
 
 #endif /* TAV_CALENDAR_WINDOW_H */

@@ -17,6 +17,18 @@ kivo_file_chooser_dialog_new (GtkWindow *parent, GtkFileChooserAction action)
                                                      TAV_KIVO ("wdgt_bd_ok"), GTK_RESPONSE_OK, nullptr);
     gtk_dialog_set_default_response (GTK_DIALOG (dialog), GTK_RESPONSE_OK);
     gtk_window_set_default_size (GTK_WINDOW (dialog), 760, 420);
+    gtk_window_set_position (GTK_WINDOW (dialog), GTK_WIN_POS_CENTER_ON_PARENT);
+    /* GTK's chooser picks a default size of its own, from the font, when it
+     * is shown; on the handheld's screen it must fit. */
+    g_signal_connect (dialog, "show", G_CALLBACK (+[] (GtkWidget *widget, gpointer) {
+        GdkScreen *screen = gtk_widget_get_screen (widget);
+        const int sw = gdk_screen_get_width (screen);
+        const int sh = gdk_screen_get_height (screen);
+        const int w = MIN (760, sw);
+        const int h = MIN (420, sh);
+        gtk_window_resize (GTK_WINDOW (widget), w, h);
+        gtk_window_move (GTK_WINDOW (widget), (sw - w) / 2, (sh - h) / 2);
+    }), nullptr);
     return dialog;
 }
 

@@ -202,6 +202,18 @@ void kivo_draw_box (GtkStyle *style, GdkWindow *window, GtkStateType state, GtkS
         cairo_destroy (cr);
         return;
     }
+    if (has_detail (detail, "trough") && widget && GTK_IS_PROGRESS_BAR (widget)) {
+        /* A progress bar shows how far it has to go. */
+        cairo_t *cr = begin (window, area);
+        kivo_style_rounded_rect (cr, x + 1, y + 1, width - 2, height - 2, MIN (width, height) / 2.0 - 1);
+        kivo_style_set_source (cr, KIVO_COLOR_SURFACE, 1.0);
+        cairo_fill_preserve (cr);
+        kivo_style_set_source (cr, KIVO_COLOR_BORDER, 1.0);
+        cairo_set_line_width (cr, 1.0);
+        cairo_stroke (cr);
+        cairo_destroy (cr);
+        return;
+    }
     if (has_detail (detail, "trough")) {
         cairo_t *cr = begin (window, area);
         cairo_rectangle (cr, x, y, width, height);

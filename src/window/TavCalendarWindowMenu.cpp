@@ -6,6 +6,7 @@
  */
 #include "TavCalendarWindowInternal.h"
 
+#include "KivoStackableWindow.h"
 #include "TavEventView.h"
 #include "TavGPtr.h"
 #include "TavIntl.h"
@@ -218,4 +219,17 @@ void on_show_hide_next_entry_menu_item (TavCalendarWindow *window, gboolean hide
 void on_show_hide_prev_entry_menu_item (TavCalendarWindow *window, gboolean hide)
 {
     set_hidden (window->priv->prev_event_item, hide);
+}
+
+GtkWidget *
+tav_calendar_window_add_menu_item (TavCalendarWindow *window, const char *label)
+{
+    g_return_val_if_fail (TAV_IS_CALENDAR_WINDOW (window), NULL);
+    g_return_val_if_fail (label != NULL && g_utf8_validate (label, -1, NULL), NULL);
+    KivoAppMenu *menu = kivo_stackable_window_get_main_menu (KIVO_STACKABLE_WINDOW (window));
+    g_return_val_if_fail (menu != NULL, NULL);
+    GtkWidget *item = gtk_button_new_with_label (label);
+    kivo_app_menu_append (menu, GTK_BUTTON (item));
+    gtk_widget_show (item);
+    return item;
 }
