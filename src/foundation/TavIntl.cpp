@@ -9,7 +9,7 @@
 #include <string_view>
 #include <unordered_map>
 
-/* Generated at build time from po/en/*.po. */
+/* Generated at build time from the English catalogues in po/en. */
 #include "TavMessagesFallback.h"
 
 namespace {
