@@ -96,10 +96,11 @@ TEST (ImportSlices, CancellingHalfWayLeavesTheStoreExactlyAsItWas)
     {
         IcsImport import (*store, 1);
         import.start_text (big);
-        for (int i = 0; i < 50; ++i) {
-            import.run (g_get_monotonic_time () + 1000);
+        /* Slices until some of it is written (however long reading takes). */
+        while (import.done () == 0 && import.run (g_get_monotonic_time () + 1000)) {
         }
         ASSERT_GT (import.done (), 0u);
+        ASSERT_LT (import.done (), 10000u);
     }
     EXPECT_EQ (dump (*store), before);
 }
