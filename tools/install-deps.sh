@@ -12,6 +12,7 @@ packages=(
   libgtest-dev libgmock-dev
   xvfb xauth x11-utils fonts-dejavu-core
   valgrind
+  clang libclang-rt-14-dev  # fuzz builds (-Dfuzz=true): libFuzzer and the sanitizer runtimes
 )
 
 missing=()

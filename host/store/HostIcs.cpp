@@ -412,7 +412,23 @@ std::string text_of (icalcomponent *c, icalproperty_kind kind)
     case ICAL_UID_PROPERTY: v = icalproperty_get_uid (p); break;
     default: break;
     }
-    return v ? v : std::string ();
+    std::string text = v ? v : std::string ();
+    if (kind == ICAL_UID_PROPERTY) {
+        return text;
+    }
+    /* A carriage return inside a value (a file written on an old Mac, or
+     * a stray byte) is a line break: kept raw it could not be written back
+     * out, and the export would lose it. */
+    std::string out;
+    out.reserve (text.size ());
+    for (size_t i = 0; i < text.size (); ++i) {
+        if (text[i] != '\r') {
+            out += text[i];
+        } else if (i + 1 >= text.size () || text[i + 1] != '\n') {
+            out += '\n';
+        }
+    }
+    return out;
 }
 
 /* Seconds since the epoch of a UTC (or floating, taken as UTC) time, for

@@ -66,6 +66,10 @@ tav_calendar_dialog_dispose (GObject *object)
     if (dialog->priv->disposed)
         return;
     dialog->priv->disposed = TRUE;
+    /* A dialog that packs nothing with defaults never placed its pannable
+     * area: it goes with the dialog all the same. */
+    if (dialog->pannable && !gtk_widget_get_parent (dialog->pannable))
+        gtk_widget_destroy (dialog->pannable);
     G_OBJECT_CLASS (tav_calendar_dialog_parent_class)->dispose (object);
     open_dialog_count--;
     dialog->priv->modal_widget = nullptr;
@@ -76,6 +80,7 @@ static void
 tav_calendar_dialog_finalize (GObject *object)
 {
     TavCalendarDialog *dialog = TAV_CALENDAR_DIALOG (object);
+    g_object_unref (dialog->pannable);
     dialog->priv->~_TavCalendarDialogPrivate ();
     G_OBJECT_CLASS (tav_calendar_dialog_parent_class)->finalize (object);
 }
@@ -118,7 +123,9 @@ tav_calendar_dialog_init (TavCalendarDialog *dialog)
 
     /* Vertical panning only; no horizontal indicator, since the content
      * never moves sideways. */
-    dialog->pannable = kivo_pannable_area_new ();
+    /* Held here until the dialog goes: it is packed only with the first
+     * widget that pans. */
+    dialog->pannable = GTK_WIDGET (g_object_ref_sink (kivo_pannable_area_new ()));
     g_object_set (dialog->pannable, "mov_mode", KIVO_MOVEMENT_MODE_VERTICAL, "hovershoot_max", 0,
                   "vovershoot_max", 0, "hscrollbar_policy", GTK_POLICY_NEVER, NULL);
     g_signal_connect (dialog, "key-press-event", G_CALLBACK (on_key_press_cb), nullptr);

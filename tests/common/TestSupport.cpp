@@ -45,8 +45,19 @@ void on_lib_log (TavLogLevel level, const char *func, const char *message, gpoin
 
 } // namespace
 
-LogCapture::LogCapture () : m_previous (s_capture) { s_capture = this; }
-LogCapture::~LogCapture () { s_capture = m_previous; }
+/* Suites run with G_DEBUG=fatal-criticals: a stray critical aborts where it
+ * happened. A capture expects criticals, so it lifts that while it lives. */
+LogCapture::LogCapture () : m_previous (s_capture)
+{
+    s_capture = this;
+    m_fatal = g_log_set_always_fatal ((GLogLevelFlags) G_LOG_FATAL_MASK);
+}
+
+LogCapture::~LogCapture ()
+{
+    g_log_set_always_fatal ((GLogLevelFlags) m_fatal);
+    s_capture = m_previous;
+}
 
 int LogCapture::count_criticals (const std::string &needle) const
 {

@@ -52,6 +52,7 @@ public:
 private:
     std::vector<LoggedLine> m_lines;
     LogCapture *m_previous;
+    int m_fatal;
 };
 
 /* Expects exactly one critical naming @condition (the failed check text). */
