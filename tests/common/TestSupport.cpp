@@ -151,6 +151,37 @@ void install_log_handlers ()
     tav_log_set_sink (on_lib_log, nullptr);
 }
 
+/* GIO runs file queries (the file chooser's, for one) on GLib's pool
+ * threads, which idle for a while after their work and then end. A thread
+ * ending while the leak checker stops the world at exit crashes the checker
+ * or has its half-freed data reported as a leak, so the idle ones are sent
+ * away and awaited before the program returns. */
+static int pool_threads ()
+{
+    int count = 0;
+    if (GDir *dir = g_dir_open ("/proc/self/task", 0, nullptr)) {
+        while (const char *task = g_dir_read_name (dir)) {
+            gchar *path = g_build_filename ("/proc/self/task", task, "comm", nullptr);
+            gchar *name = nullptr;
+            if (g_file_get_contents (path, &name, nullptr, nullptr) && g_str_has_prefix (name, "pool-"))
+                ++count;
+            g_free (name);
+            g_free (path);
+        }
+        g_dir_close (dir);
+    }
+    return count;
+}
+
+static void let_pool_threads_end ()
+{
+    g_thread_pool_set_max_unused_threads (0);
+    for (int tries = 0; tries < 100 && pool_threads () > 0; ++tries) {
+        g_thread_pool_stop_unused_threads ();
+        g_usleep (50 * 1000);
+    }
+}
+
 } // namespace tav::test
 
 int main (int argc, char **argv)
@@ -170,5 +201,7 @@ int main (int argc, char **argv)
     ::testing::InitGoogleTest (&argc, argv);
     ::testing::GTEST_FLAG (death_test_style) = "threadsafe";
     tav::test::install_log_handlers ();
-    return RUN_ALL_TESTS ();
+    const int result = RUN_ALL_TESTS ();
+    tav::test::let_pool_threads_end ();
+    return result;
 }
