@@ -182,26 +182,15 @@ TEST (AlarmToneButton, TheDefaultTonePlaysOurOwnFileAndFailuresAreOnlyLogged)
         /* The backend refusing (no sound device) is a log line, no dialog. */
         player.fail = true;
         LogCapture capture;
+        GList *before = gtk_window_list_toplevels ();
         EXPECT_FALSE (tav_alarm_tone_button_preview (tone (button)));
+        flush_events ();
         EXPECT_EQ (capture.count_lines (LoggedLine::LibWarning, "Cannot preview the alarm tone " + shipped + ": no device"), 1)
             << capture.dump ();
-    }
-    /* The real backend on a machine without a sound card. */
-    {
-        g_setenv ("CANBERRA_DRIVER", "alsa", TRUE);
-        g_setenv ("ALSA_CONFIG_PATH", "/nonexistent/alsa.conf", TRUE);
-        LogCapture capture;
-        GList *before = gtk_window_list_toplevels ();
-        const int windows_before = static_cast<int> (g_list_length (before));
-        g_list_free (before);
-        const gboolean played = tav_alarm_tone_button_preview (tone (button));
-        flush_events ();
-        EXPECT_FALSE (played);
-        EXPECT_EQ (capture.count_lines_from (LoggedLine::LibWarning, "play_tone"), 1) << capture.dump ();
         GList *now = gtk_window_list_toplevels ();
-        EXPECT_EQ (static_cast<int> (g_list_length (now)), windows_before) << "no dialog";
+        EXPECT_EQ (g_list_length (now), g_list_length (before)) << "no dialog";
         g_list_free (now);
-        tav_alarm_tone_button_stop_preview (tone (button));
+        g_list_free (before);
     }
 }
 
