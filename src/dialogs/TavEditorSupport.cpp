@@ -171,9 +171,9 @@ void close_modal_note (TavCalendarDialog *dialog)
 PropertySnapshot::PropertySnapshot (GObject *object, std::initializer_list<const char *> names) : m_object (object)
 {
     for (const char *name : names) {
-        GParamSpec *spec = g_object_class_find_property (G_OBJECT_GET_CLASS (object), name);
+        GParamSpec *pspec = g_object_class_find_property (G_OBJECT_GET_CLASS (object), name);
         GValue value = G_VALUE_INIT;
-        g_value_init (&value, spec->value_type);
+        g_value_init (&value, pspec->value_type);
         g_object_get_property (object, name, &value);
         m_values.emplace_back (name, value);
     }
