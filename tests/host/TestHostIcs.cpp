@@ -15,11 +15,7 @@ const char *const kFooter = "END:VCALENDAR\r\n";
 
 TEST (HostIcs, FixtureCalendarsImportWithTheRightCountsAndRoundTrip)
 {
-    struct Row {
-        const char *file;
-        int events, tasks, notes;
-        const char *warning;
-    } rows[] = {
+    struct Row { const char *file; int events, tasks, notes; const char *warning; } rows[] = {
         {"calendar.ics", 3, 0, 0, ""},
         {"2445.ics", 6, 2, 2, "line 68: 4 VFREEBUSY component(s) are not calendar entries"},
         {"overlaps.ics", 5, 0, 0, ""},
@@ -31,9 +27,8 @@ TEST (HostIcs, FixtureCalendarsImportWithTheRightCountsAndRoundTrip)
         StoreFixture f;
         auto described = [&f] (int64_t calendar) {
             std::vector<std::string> lines;
-            for (const auto &e : f.store->entries_of_calendar (calendar)) {
+            for (const auto &e : f.store->entries_of_calendar (calendar))
                 lines.push_back (describe (e));
-            }
             return joined (lines);
         };
         const int total = row.events + row.tasks + row.notes;
@@ -195,9 +190,8 @@ TEST (HostIcs, AlarmCodesAreTheNearestOffset)
                 {45, TavCalendarAlarm30Min}, {46, TavCalendarAlarm1Hour},    {120, TavCalendarAlarm1Hour},
                 {121, TavCalendarAlarm3Hours}, {810, TavCalendarAlarm3Hours}, {811, TavCalendarAlarmDayBefore},
                 {10000, TavCalendarAlarmDayBefore}};
-    for (const Row &row : rows) {
+    for (const Row &row : rows)
         EXPECT_EQ (alarm_code_for_minutes (row.minutes), row.code) << row.minutes << " minutes";
-    }
 }
 
 TEST (HostIcs, ImportOnAFullDiskStoresNothingAndSaysSo)

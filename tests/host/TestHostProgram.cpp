@@ -16,26 +16,21 @@ using namespace tav::host::test;
 
 namespace {
 
-struct ProgramRun {
-    int status = -1;
-    std::string out, err;
-};
+struct ProgramRun { int status = -1; std::string out, err; };
 
 ProgramRun run (std::vector<std::string> args, const char *tz = nullptr)
 {
     args.insert (args.begin (), TAV_CALENDAR_BIN);
     std::vector<char *> argv;
-    for (auto &a : args) {
+    for (auto &a : args)
         argv.push_back (a.data ());
-    }
     argv.push_back (nullptr);
     gchar *out = nullptr, *err = nullptr;
     int wait = 0;
     GError *error = nullptr;
     gchar **env = g_get_environ ();
-    if (tz) {
+    if (tz)
         env = g_environ_setenv (env, "TZ", tz, TRUE);
-    }
     const bool ran = g_spawn_sync (nullptr, argv.data (), env, G_SPAWN_DEFAULT, nullptr, nullptr, &out, &err, &wait,
                                    &error);
     g_strfreev (env);
@@ -74,9 +69,8 @@ size_t differing_pixels (GdkPixbuf *a, GdkPixbuf *b)
     const int n = gdk_pixbuf_get_n_channels (a), stride = gdk_pixbuf_get_rowstride (a);
     for (int y = 0; y < gdk_pixbuf_get_height (a); ++y) {
         const guchar *pa = gdk_pixbuf_get_pixels (a) + y * stride, *pb = gdk_pixbuf_get_pixels (b) + y * stride;
-        for (int x = 0; x < gdk_pixbuf_get_width (a); ++x) {
+        for (int x = 0; x < gdk_pixbuf_get_width (a); ++x)
             count += memcmp (pa + x * n, pb + x * n, 3) != 0;
-        }
     }
     return count;
 }
@@ -141,12 +135,7 @@ TEST (HostProgram, BadInputGivesAClearMessageAndStatus)
     const std::string bad_text = "BEGIN:VCALENDAR\nBEGIN:VEVENT\nDTSTART:20240101T100000Z\nSUMMARY:x\nEND:VEVENT\n"
                                  "BEGIN:VEVENT\nDTSTART:20240102T100000Z\n";
     ASSERT_TRUE (g_file_set_contents (bad_ics.c_str (), bad_text.data (), bad_text.size (), nullptr));
-    struct Row {
-        const char *label;
-        std::vector<std::string> args;
-        int status;
-        const char *message;
-    } rows[] = {
+    struct Row { const char *label; std::vector<std::string> args; int status; const char *message; } rows[] = {
         {"not a database", {"--db", junk, "--export", dir.file ("x.ics")}, 2, "is not a calendar database"},
         {"malformed import", {"--db", dir.file ("a.db"), "--import", bad_ics}, 1, "bad.ics:6: BEGIN:VEVENT is never closed; nothing was imported"},
         {"missing file", {"--db", dir.file ("a.db"), "--import", dir.file ("none.ics")}, 1, "cannot read"},
@@ -267,9 +256,8 @@ TEST (HostProgram, ExportWritesThroughALinkAndTwoImportsShareTheStore)
     EXPECT_EQ (store->count_entries (store->calendars ()[0].id), 6000);
 
     /* A store in a folder nobody may write says so (root writes anywhere). */
-    if (geteuid () == 0) {
+    if (geteuid () == 0)
         return;
-    }
     const std::string ro = dir.file ("ro");
     ASSERT_EQ (g_mkdir (ro.c_str (), 0555), 0);
     ProgramRun locked = run ({"--db", ro + "/cal.db", "--list", "2024-01-01", "2024-01-02"});

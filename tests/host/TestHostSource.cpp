@@ -196,9 +196,8 @@ TEST (HostSource, InstancesComeFromTheStoredRule)
     ASSERT_TRUE (import_ics_text (*f.store, f.calendar, ics).status.ok ());
     const TavDateInterval may = {{2024, 4, 1}, {2024, 4, 31}};
     std::map<std::string, Ref<TavCalendarEntry>> by_title;
-    for (const EntryRecord &r : f.store->entries_touching (at (2024, 5, 1), at (2024, 5, 31, 23, 59))) {
+    for (const EntryRecord &r : f.store->entries_touching (at (2024, 5, 1), at (2024, 5, 31, 23, 59)))
         by_title[r.title] = Ref<TavCalendarEntry>::adopt (entry_from_record (r, f.source.get ()));
-    }
     ASSERT_EQ (by_title.size (), 2u);
     TavCalendarEntry *gym = by_title["Gym"].get ();
     EXPECT_TRUE (tav_calendar_entry_has_rrule (gym));

@@ -103,7 +103,7 @@ TEST (ConfirmationNote, AnswersGtkDialogRun)
             if (!gtk_widget_get_mapped (w))
                 return TRUE;
             flush_events ();
-            PointerDriver::tap (w, w->allocation.width / 2, w->allocation.height / 2);
+            PointerDriver::tap_centre (w);
             return FALSE;
         }, button);
         EXPECT_EQ (gtk_dialog_run (GTK_DIALOG (note)), response);
