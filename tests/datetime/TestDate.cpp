@@ -306,13 +306,11 @@ TEST (DateValues, AlarmMustStillLieInTheFuture)
         { "15 min before 12:30", 2009, 2, 5, 12, 30, 15, true },
         { "30 min before 12:30 is now", 2009, 2, 5, 12, 30, 30, false },
         { "45 min before 12:30 is past", 2009, 2, 5, 12, 30, 45, false },
-        { "event now, no alarm", 2009, 2, 5, 12, 0, 0, false },
-        { "event in a minute", 2009, 2, 5, 12, 1, 0, true },
+        { "event now, no alarm", 2009, 2, 5, 12, 0, 0, false }, { "event in a minute", 2009, 2, 5, 12, 1, 0, true },
         { "a day before tomorrow noon", 2009, 2, 6, 12, 1, 24 * 60, true },
         { "past event", 2008, 2, 5, 12, 0, 0, false },
         { "huge alarm offset", 2037, 11, 31, 23, 59, G_MAXINT, false },
-        { "negative offset", 2009, 2, 5, 11, 59, -2, true },
-        { "lowest offset", 2037, 11, 31, 23, 59, G_MININT, true },
+        { "negative offset", 2009, 2, 5, 11, 59, -2, true }, { "lowest offset", 2037, 11, 31, 23, 59, G_MININT, true },
         { "lowest year", G_MININT, 0, 1, 0, 0, 0, false },
     };
     for (const auto &row : rows) {

@@ -98,8 +98,7 @@ TEST_F (Rules, PickersOfferWhatFitsTheEvent)
         {{2026, 2, 14}, {2026, 2, 14}, false, {none, day, week, month, year}},       /* a Saturday */
         {{2026, 2, 11}, {2026, 2, 13}, false, {none, week, month, year}},
         {{2026, 2, 11}, {2026, 2, 20}, true, {none, month, year, complex}},
-        {{2026, 1, 1}, {2026, 2, 10}, false, {none, year}},
-        {{2026, 1, 1}, {2027, 2, 10}, false, {none}},
+        {{2026, 1, 1}, {2026, 2, 10}, false, {none, year}}, {{2026, 1, 1}, {2027, 2, 10}, false, {none}},
     };
     for (const auto &r : repeats)
         EXPECT_EQ (offered_repeats (p (), r.start, r.end, r.complex), r.rows) << r.start.day << "-" << r.end.day;

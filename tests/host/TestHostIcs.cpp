@@ -18,8 +18,7 @@ TEST (HostIcs, FixtureCalendarsImportWithTheRightCountsAndRoundTrip)
     struct Row { const char *file; int events, tasks, notes; const char *warning; } rows[] = {
         {"calendar.ics", 3, 0, 0, ""},
         {"2445.ics", 6, 2, 2, "line 68: 4 VFREEBUSY component(s) are not calendar entries"},
-        {"overlaps.ics", 5, 0, 0, ""},
-        {"spanlist.ics", 5, 0, 0, ""},
+        {"overlaps.ics", 5, 0, 0, ""}, {"spanlist.ics", 5, 0, 0, ""},
         {"recur.txt", 54, 0, 0, "line 645: 6 line(s) outside any component ignored"},  /* 3 true duplicates */
     };
     for (const Row &row : rows) {

@@ -9,7 +9,6 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <set>
 
 using namespace tav::host;
 using namespace tav::host::test;
@@ -45,21 +44,6 @@ ProgramRun run (std::vector<std::string> args, const char *tz = nullptr)
 bool contains (const std::string &hay, const std::string &needle)
 {
     return hay.find (needle) != std::string::npos;
-}
-
-/* Distinct colours in a picture, a rough measure of how much is drawn. */
-size_t colour_count (GdkPixbuf *p)
-{
-    std::set<uint32_t> colours;
-    const int n = gdk_pixbuf_get_n_channels (p), stride = gdk_pixbuf_get_rowstride (p);
-    const guchar *px = gdk_pixbuf_get_pixels (p);
-    for (int y = 0; y < gdk_pixbuf_get_height (p); ++y) {
-        for (int x = 0; x < gdk_pixbuf_get_width (p); ++x) {
-            const guchar *c = px + y * stride + x * n;
-            colours.insert ((c[0] << 16) | (c[1] << 8) | c[2]);
-        }
-    }
-    return colours.size ();
 }
 
 /* Pixels that differ between two pictures of the same size. */
@@ -98,9 +82,6 @@ TEST (HostProgram, ScreenshotRendersEachViewAt800x480)
         EXPECT_EQ (gdk_pixbuf_get_height (full), 480);
         /* The demo store fills the view with coloured entries and their
          * texts; an empty store leaves only the grid (or an empty list). */
-        if (strcmp (view, "month") == 0 || strcmp (view, "week") == 0) {
-            EXPECT_GT (colour_count (full), colour_count (bare) + 50);
-        }
         if (strcmp (view, "appmenu") != 0) {
             EXPECT_GT (differing_pixels (full, bare), 800u * 480u / 30) << "the entries make a difference";
         }

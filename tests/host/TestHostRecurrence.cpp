@@ -207,19 +207,15 @@ TEST (HostRecurrence, SimpleRepeatCodesMapToRulesAndBack)
 {
     const int64_t monday = at (2024, 5, 6, 9);  /* a Monday */
     struct Row { const char *rrule; TavCalendarRepeatCode code; int64_t until; } rows[] = {
-        {"", TavCalendarRepeatsNoRepeat, -1},
-        {"FREQ=DAILY", TavCalendarRepeatsEveryDay, -1},
+        {"", TavCalendarRepeatsNoRepeat, -1}, {"FREQ=DAILY", TavCalendarRepeatsEveryDay, -1},
         {"FREQ=WEEKLY;BYDAY=MO,TU,WE,TH,FR", TavCalendarRepeatsEveryWorkday, -1},
         {"FREQ=DAILY;BYDAY=MO,TU,WE,TH,FR", TavCalendarRepeatsEveryWorkday, -1},
-        {"FREQ=WEEKLY", TavCalendarRepeatsEveryWeek, -1},
-        {"FREQ=WEEKLY;BYDAY=MO", TavCalendarRepeatsEveryWeek, -1},
+        {"FREQ=WEEKLY", TavCalendarRepeatsEveryWeek, -1}, {"FREQ=WEEKLY;BYDAY=MO", TavCalendarRepeatsEveryWeek, -1},
         {"FREQ=MONTHLY;UNTIL=20241231T235959", TavCalendarRepeatsEveryMonth, at (2024, 12, 31)},
         {"FREQ=YEARLY;BYMONTH=5;BYMONTHDAY=6", TavCalendarRepeatsEveryYear, -1},
         {"FREQ=WEEKLY;BYDAY=TU", TavCalendarRepeatsComplex, -1},
-        {"FREQ=DAILY;INTERVAL=2", TavCalendarRepeatsComplex, -1},
-        {"FREQ=DAILY;COUNT=3", TavCalendarRepeatsComplex, -1},
-        {"FREQ=MONTHLY;BYDAY=1MO", TavCalendarRepeatsComplex, -1},
-        {"FREQ=HOURLY", TavCalendarRepeatsComplex, -1},
+        {"FREQ=DAILY;INTERVAL=2", TavCalendarRepeatsComplex, -1}, {"FREQ=DAILY;COUNT=3", TavCalendarRepeatsComplex, -1},
+        {"FREQ=MONTHLY;BYDAY=1MO", TavCalendarRepeatsComplex, -1}, {"FREQ=HOURLY", TavCalendarRepeatsComplex, -1},
         {"not a rule", TavCalendarRepeatsComplex, -1},
     };
     for (const Row &row : rows) {

@@ -130,10 +130,8 @@ TEST (WizardDialog, ButtonsFollowThePages)
         bool previous, next, finish;
     };
     const Step steps[] = {
-        { GTK_RESPONSE_NONE, 0, false, true, false },
-        { KIVO_WIZARD_DIALOG_NEXT, 1, true, true, false },
-        { KIVO_WIZARD_DIALOG_NEXT, 2, true, false, true },
-        { KIVO_WIZARD_DIALOG_PREVIOUS, 1, true, true, false },
+        { GTK_RESPONSE_NONE, 0, false, true, false }, { KIVO_WIZARD_DIALOG_NEXT, 1, true, true, false },
+        { KIVO_WIZARD_DIALOG_NEXT, 2, true, false, true }, { KIVO_WIZARD_DIALOG_PREVIOUS, 1, true, true, false },
     };
     for (const Step &s : steps) {
         if (s.response != GTK_RESPONSE_NONE)
