@@ -176,11 +176,8 @@ TEST (DateValues, DateIntervalsContainBothEndsAndTouchingOnesIntersect)
         EXPECT_EQ (static_cast<bool> (tav_date_interval_contains (&a, &d)), inside) << str (d);
 
     const TavDateInterval untouched = { { 1, 1, 1 }, { 1, 1, 1 } };
-    struct {
-        const char *label;
-        TavDateInterval x, y;
-        const char *expected; /* "none" when they do not intersect */
-    } rows[] = {
+    /* expected: "none" when they do not intersect */
+    struct { const char *label; TavDateInterval x, y; const char *expected; } rows[] = {
         { "touching", { { 2009, 0, 1 }, { 2009, 0, 10 } }, { { 2009, 0, 10 }, { 2009, 0, 20 } }, "2009-0-10 2009-0-10" },
         { "touching reversed", { { 2009, 0, 10 }, { 2009, 0, 20 } }, { { 2009, 0, 1 }, { 2009, 0, 10 } },
           "2009-0-10 2009-0-10" },

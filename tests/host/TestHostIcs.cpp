@@ -62,13 +62,8 @@ TEST (HostIcs, MalformedFilesImportNothingAndBadComponentsAreSkipped)
     const std::string head = std::string (kHeader) + "BEGIN:VEVENT\r\nUID:ok-1\r\nDTSTART:20240506T090000Z\r\nEND:VEVENT\r\n";
     const std::string start = "BEGIN:VEVENT\r\nDTSTART:20240506T090000Z\r\n";
     const std::string bad_start = "BEGIN:VEVENT\r\nSUMMARY:x\r\nDTSTART:";
-    struct Row {
-        const char *label;
-        std::string text;
-        CalendarUiErrorCode code;
-        int line;
-        int stored;  /* entries in the calendar afterwards, the one already there included */
-    } rows[] = {
+    /* stored: entries in the calendar afterwards, the one already there included */
+    struct Row { const char *label; std::string text; CalendarUiErrorCode code; int line; int stored; } rows[] = {
         {"unclosed event", head + start, CalendarInvalidIcsFile, 8, 1},
         {"mismatched END", std::string (kHeader) + start + "END:VTODO\r\n" + kFooter, CalendarInvalidIcsFile, 6, 1},
         {"garbage line inside", head + start + "this is no property\r\nEND:VEVENT\r\n" + kFooter, CalendarInvalidIcsFile, 10, 1},

@@ -44,11 +44,7 @@ TEST (HostStore, BadEntriesAreRefusedWithTheirCode)
     EntryRecord taken = f.event ("Taken", day, day + 60);
     taken.uid = "same@example.com";
     ASSERT_TRUE (f.store->add_entry (taken).ok ());
-    struct Row {
-        const char *label;
-        std::function<void (EntryRecord &)> spoil;
-        CalendarUiErrorCode code;
-    } rows[] = {
+    struct Row { const char *label; std::function<void (EntryRecord &)> spoil; CalendarUiErrorCode code; } rows[] = {
         {"ends before it starts", [] (EntryRecord &e) { e.end = e.start - 1; }, CalendarInvalidArg},
         {"no such calendar", [] (EntryRecord &e) { e.calendar_id = 999; }, CalendarInvalidArg},
         {"invalid UTF-8 title", [] (EntryRecord &e) { e.title = "A\xff" "B"; }, CalendarInvalidArg},

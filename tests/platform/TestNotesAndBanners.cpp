@@ -124,11 +124,8 @@ TEST (WizardDialog, ButtonsFollowThePages)
     GtkWidget *wizard = kivo_wizard_dialog_new (nullptr, "Welcome", GTK_NOTEBOOK (notebook));
     gtk_widget_show_all (wizard);
     KivoWizardDialog *w = KIVO_WIZARD_DIALOG (wizard);
-    struct Step {
-        gint response; /* GTK_RESPONSE_NONE: the first page as it opens */
-        int page;
-        bool previous, next, finish;
-    };
+    /* response: GTK_RESPONSE_NONE for the first page as it opens */
+    struct Step { gint response; int page; bool previous, next, finish; };
     const Step steps[] = {
         { GTK_RESPONSE_NONE, 0, false, true, false }, { KIVO_WIZARD_DIALOG_NEXT, 1, true, true, false },
         { KIVO_WIZARD_DIALOG_NEXT, 2, true, false, true }, { KIVO_WIZARD_DIALOG_PREVIOUS, 1, true, true, false },

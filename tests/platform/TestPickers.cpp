@@ -124,12 +124,8 @@ TEST (DateButton, KeepsValidDatesInTheSupportedYears)
     KivoDateButton *date = KIVO_DATE_BUTTON (button.widget);
     int changes = 0;
     count_signal (button.widget, "value-changed", &changes);
-    struct Case {
-        const char *label;
-        guint year, month, day;
-        const char *critical; /* NULL: accepted */
-        const char *value;
-    };
+    /* critical: NULL when the date is accepted */
+    struct Case { const char *label; guint year, month, day; const char *critical; const char *value; };
     const Case cases[] = {
         { "first supported day", 1970, 0, 1, nullptr, "Thu 1 Jan 1970" },
         { "last supported day", 2037, 11, 31, nullptr, "Thu 31 Dec 2037" },
