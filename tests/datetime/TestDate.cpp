@@ -176,11 +176,8 @@ TEST (DateValues, DateIntervalsContainBothEndsAndTouchingOnesIntersect)
         EXPECT_EQ (static_cast<bool> (tav_date_interval_contains (&a, &d)), inside) << str (d);
 
     const TavDateInterval untouched = { { 1, 1, 1 }, { 1, 1, 1 } };
-    struct {
-        const char *label;
-        TavDateInterval x, y;
-        const char *expected; /* "none" when they do not intersect */
-    } rows[] = {
+    /* expected: "none" when they do not intersect */
+    struct { const char *label; TavDateInterval x, y; const char *expected; } rows[] = {
         { "touching", { { 2009, 0, 1 }, { 2009, 0, 10 } }, { { 2009, 0, 10 }, { 2009, 0, 20 } }, "2009-0-10 2009-0-10" },
         { "touching reversed", { { 2009, 0, 10 }, { 2009, 0, 20 } }, { { 2009, 0, 1 }, { 2009, 0, 10 } },
           "2009-0-10 2009-0-10" },
@@ -306,13 +303,11 @@ TEST (DateValues, AlarmMustStillLieInTheFuture)
         { "15 min before 12:30", 2009, 2, 5, 12, 30, 15, true },
         { "30 min before 12:30 is now", 2009, 2, 5, 12, 30, 30, false },
         { "45 min before 12:30 is past", 2009, 2, 5, 12, 30, 45, false },
-        { "event now, no alarm", 2009, 2, 5, 12, 0, 0, false },
-        { "event in a minute", 2009, 2, 5, 12, 1, 0, true },
+        { "event now, no alarm", 2009, 2, 5, 12, 0, 0, false }, { "event in a minute", 2009, 2, 5, 12, 1, 0, true },
         { "a day before tomorrow noon", 2009, 2, 6, 12, 1, 24 * 60, true },
         { "past event", 2008, 2, 5, 12, 0, 0, false },
         { "huge alarm offset", 2037, 11, 31, 23, 59, G_MAXINT, false },
-        { "negative offset", 2009, 2, 5, 11, 59, -2, true },
-        { "lowest offset", 2037, 11, 31, 23, 59, G_MININT, true },
+        { "negative offset", 2009, 2, 5, 11, 59, -2, true }, { "lowest offset", 2037, 11, 31, 23, 59, G_MININT, true },
         { "lowest year", G_MININT, 0, 1, 0, 0, 0, false },
     };
     for (const auto &row : rows) {

@@ -31,11 +31,6 @@ GtkWidget *find_named (GtkWidget *widget, const char *name)
     return found;
 }
 
-void tap_center (GtkWidget *widget)
-{
-    PointerDriver::tap (widget, widget->allocation.width / 2, widget->allocation.height / 2);
-}
-
 } // namespace
 
 TavDate day_from_today (int days)
@@ -111,7 +106,7 @@ void EditorDriver::tap (const char *name)
     clear_banners ();
     kivo_pannable_area_scroll_to_child (KIVO_PANNABLE_AREA (TAV_CALENDAR_DIALOG (m_window)->pannable), widget);
     flush_events ();
-    tap_center (widget);
+    PointerDriver::tap_centre (widget);
     PointerDriver::wait (30);
 }
 
@@ -150,7 +145,7 @@ void EditorDriver::close_picker (GtkWidget *button, GtkWidget *dialog, bool pres
         GtkWidget *done = buttons ? GTK_WIDGET (g_list_last (buttons)->data) : nullptr;
         g_list_free (buttons);
         if (done)
-            tap_center (done);
+            PointerDriver::tap_centre (done);
     }
     run_main_loop_until ([&] { return !kivo_picker_button_get_picker_dialog (KIVO_PICKER_BUTTON (button)); }, 3000);
     flush_events ();
@@ -203,7 +198,7 @@ void EditorDriver::answer_next_note (bool ok)
         if (!note)
             return FALSE;
         driver->asked = kivo_note_get_description (KIVO_NOTE (note));
-        tap_center (driver->m_answer_ok ? kivo_note_get_ok_button (KIVO_NOTE (note))
+        PointerDriver::tap_centre (driver->m_answer_ok ? kivo_note_get_ok_button (KIVO_NOTE (note))
                                         : kivo_note_get_cancel_button (KIVO_NOTE (note)));
         return FALSE;
     }, this);

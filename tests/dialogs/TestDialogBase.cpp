@@ -3,8 +3,6 @@
 #include <calendarui.h>
 #include <gdk/gdkkeysyms.h>
 
-#include <tuple>
-
 #include "KivoButton.h"
 #include "KivoEntry.h"
 #include "KivoPannableArea.h"
@@ -38,23 +36,13 @@ TEST (DialogBase, CountsOpenDialogsUntilTheirFirstDispose)
     EXPECT_FALSE (tav_calendar_dialog_is_dialog_open ());
 }
 
-TEST (DialogBase, LooksAndPacksLikeEveryDialogOfTheFamily)
+TEST (DialogBase, PacksContentAndButtons)
 {
     REQUIRE_DISPLAY ();
     TavCalendarDialog *dialog = new_dialog ();
-    int width = 0, height = 0;
-    gtk_window_get_default_size (GTK_WINDOW (dialog), &width, &height);
-    EXPECT_EQ (std::make_pair (width, height), std::make_pair (-1, 350));
     EXPECT_TRUE (gtk_window_get_modal (GTK_WINDOW (dialog)));
-    EXPECT_FALSE (gtk_dialog_get_has_separator (GTK_DIALOG (dialog)));
     tav_calendar_dialog_set_title (dialog, "Edit event");
     EXPECT_STREQ (gtk_window_get_title (GTK_WINDOW (dialog)), "Edit event");
-
-    int mode = 0, hover = -1, vover = -1;
-    GtkPolicyType hpolicy = GTK_POLICY_ALWAYS;
-    g_object_get (dialog->pannable, "mov-mode", &mode, "hovershoot-max", &hover, "vovershoot-max", &vover,
-                  "hscrollbar-policy", &hpolicy, NULL);
-    EXPECT_EQ (std::make_tuple (mode, hover, vover, hpolicy), std::make_tuple (4, 0, 0, GTK_POLICY_NEVER));
 
     /* A label goes through a viewport, a tree view straight in. */
     GtkWidget *label = gtk_label_new ("content");

@@ -32,10 +32,7 @@ TavTimestamp at (int y, int m, int d, int hh, int mm)
 
 TEST_F (Rules, MovingTheStartKeepsTheLengthUpToTheLastMoment)
 {
-    struct {
-        TavTimestamp old_start, old_end, new_start;
-        const char *end;
-    } rows[] = {
+    struct { TavTimestamp old_start, old_end, new_start; const char *end; } rows[] = {
         {at (2026, 3, 10, 9, 0), at (2026, 3, 10, 10, 30), at (2026, 3, 12, 23, 0), "2026-03-13 00:30"},
         {at (2026, 3, 10, 9, 0), at (2026, 3, 12, 9, 0), at (2026, 2, 27, 9, 0), "2026-03-01 09:00"},
         {at (2024, 2, 28, 22, 0), at (2024, 2, 29, 1, 0), at (2023, 2, 28, 22, 0), "2023-03-01 01:00"},
@@ -74,13 +71,7 @@ TEST_F (Rules, AlarmMomentsAndTheSaveTimeTest)
 
 TEST_F (Rules, AllDayAlarmIsCorrectedOnItsDayOnly)
 {
-    struct {
-        TavTimestamp now;
-        TavTime alarm;
-        bool reset;
-        bool corrected;
-        TavTime result;
-    } rows[] = {
+    struct { TavTimestamp now; TavTime alarm; bool reset; bool corrected; TavTime result; } rows[] = {
         {at (2026, 5, 9, 22, 58), {12, 0}, false, true, {23, 55}},  /* capped, not 00:00 */
         {at (2026, 5, 9, 10, 2), {9, 0}, false, true, {11, 5}},     /* rounded up to 5 minutes */
         {at (2026, 5, 9, 10, 0), {10, 0}, false, true, {11, 0}},    /* equal is not later */
@@ -102,25 +93,17 @@ TEST_F (Rules, PickersOfferWhatFitsTheEvent)
     const R none = TavCalendarRepeatsNoRepeat, day = TavCalendarRepeatsEveryDay, work = TavCalendarRepeatsEveryWorkday,
             week = TavCalendarRepeatsEveryWeek, month = TavCalendarRepeatsEveryMonth,
             year = TavCalendarRepeatsEveryYear, complex = TavCalendarRepeatsComplex;
-    struct {
-        TavDate start, end;
-        bool complex;
-        std::vector<R> rows;
-    } repeats[] = {
+    struct { TavDate start, end; bool complex; std::vector<R> rows; } repeats[] = {
         {{2026, 2, 11}, {2026, 2, 11}, false, {none, day, work, week, month, year}}, /* a Wednesday */
         {{2026, 2, 14}, {2026, 2, 14}, false, {none, day, week, month, year}},       /* a Saturday */
         {{2026, 2, 11}, {2026, 2, 13}, false, {none, week, month, year}},
         {{2026, 2, 11}, {2026, 2, 20}, true, {none, month, year, complex}},
-        {{2026, 1, 1}, {2026, 2, 10}, false, {none, year}},
-        {{2026, 1, 1}, {2027, 2, 10}, false, {none}},
+        {{2026, 1, 1}, {2026, 2, 10}, false, {none, year}}, {{2026, 1, 1}, {2027, 2, 10}, false, {none}},
     };
     for (const auto &r : repeats)
         EXPECT_EQ (offered_repeats (p (), r.start, r.end, r.complex), r.rows) << r.start.day << "-" << r.end.day;
 
-    struct {
-        int repeat;
-        TavDate until;
-    } untils[] = {
+    struct { int repeat; TavDate until; } untils[] = {
         {none, {2026, 2, 13}}, {day, {2026, 2, 14}}, {work, {2026, 2, 16}}, {week, {2026, 2, 20}},
         {month, {2026, 3, 13}}, {year, {2027, 2, 13}},
     };

@@ -3,6 +3,7 @@
 #include <calendarui.h>
 #include <gdk/gdkkeysyms.h>
 
+#include "../model/ModelTestUtil.h"
 #include "../platform/PointerDriver.h"
 #include "EditorDriver.h"
 #include "KivoEntry.h"
@@ -18,36 +19,15 @@ using namespace tav::test;
 
 namespace {
 
-std::string day (const TavDate &d)
-{
-    char buf[16];
-    g_snprintf (buf, sizeof buf, "%04d-%02d-%02d", d.year, d.month + 1, d.day);
-    return buf;
-}
-
 /* What a stored entry says, in one line:
  * "title|location|start-end|alarm code|repeat code|timed or all-day". */
-std::string summary (TavCalendarEntry *entry)
+std::string summary (TavCalendarEntry *e)
 {
-    char *title = nullptr, *location = nullptr;
-    TavDate *sd = nullptr, *ed = nullptr;
-    TavTime *st = nullptr, *et = nullptr;
-    int alarm = 0, repeat = 0;
-    gboolean all_day = FALSE;
-    g_object_get (entry, "title", &title, "location", &location, "start-date", &sd, "end-date", &ed, "start-time",
-                  &st, "end-time", &et, "alarm-code", &alarm, "repeat-code", &repeat, "all-day", &all_day, NULL);
-    char *line = g_strdup_printf ("%s|%s|%s %02d:%02d-%s %02d:%02d|a%d|r%d|%s", title, location ? location : "",
-                                  day (*sd).c_str (), st->hour, st->minute, day (*ed).c_str (), et->hour, et->minute,
-                                  alarm, repeat, all_day ? "all-day" : "timed");
-    std::string out = line;
-    g_free (line);
-    g_free (title);
-    g_free (location);
-    tav_date_free (sd);
-    tav_date_free (ed);
-    tav_time_free (st);
-    tav_time_free (et);
-    return out;
+    const std::string location = get_string (e, "location");
+    return get_string (e, "title") + "|" + (location == "(null)" ? "" : location) + "|" + get_text (e, "start-date") + " "
+           + get_text (e, "start-time") + "-" + get_text (e, "end-date") + " " + get_text (e, "end-time") + "|a"
+           + std::to_string (get_int (e, "alarm-code")) + "|r" + std::to_string (get_int (e, "repeat-code")) + "|"
+           + (get_bool (e, "all-day") ? "all-day" : "timed");
 }
 
 /* The single stored event of @source. */
@@ -122,7 +102,7 @@ TEST (EventWindow, NewEventTypedCorrectedAndCreatedOnce)
     EXPECT_EQ (ed.signals, std::vector<std::string> {"entry-created"});
     EXPECT_EQ (calls (home.get (), TAV_MEMORY_SLOT_CREATE_ENTRY), 1u);
     EXPECT_EQ (only_event (home.get ()),
-               "dentist|main street|" + day (later) + " 10:00-" + day (later) + " 12:30|a3|r3|timed")
+               "dentist|main street|" + to_text (later) + " 10:00-" + to_text (later) + " 12:30|a3|r3|timed")
         << "the end followed the start";
     GList *events = tav_memory_source_list_events (home.get (), nullptr);
     EXPECT_EQ (ed.signal_entries[0], events->data);
@@ -152,7 +132,7 @@ TEST (EventWindow, EditSavesInPlaceOrMovesToAnotherCalendar)
     }
     EXPECT_EQ (calls (work.get (), TAV_MEMORY_SLOT_SAVE_ENTRY), 1u);
     EXPECT_EQ (writes (work.get ()), 1u);
-    const std::string when = day (day_) + " 16:00-" + day (day_) + " 17:00";
+    const std::string when = to_text (day_) + " 16:00-" + to_text (day_) + " 17:00";
     EXPECT_EQ (summary (entry), "review notes||" + when + "|a0|r0|timed");
 
     EditorDriver ed (editor_for (entry, {home.get (), work.get ()}));
@@ -182,7 +162,7 @@ TEST (EventWindow, NothingWrittenOnEscapeAndFailuresLeaveTheStoreAlone)
     }
     EXPECT_EQ (writes (work.get ()) + writes (home.get ()), 0u);
     const std::string untouched = summary (entry);
-    EXPECT_EQ (untouched, "review||" + day (day_) + " 14:00-" + day (day_) + " 15:00|a0|r0|timed");
+    EXPECT_EQ (untouched, "review||" + to_text (day_) + " 14:00-" + to_text (day_) + " 15:00|a0|r0|timed");
 
     const std::string disk_full = tav::GCharPtr (tav_calendar_get_error_string (CalendarDiskFullError)).get ();
     LogCapture capture;
@@ -308,11 +288,8 @@ TEST (EventWindow, LongTextsComplexRulesAndReadOnlyCalendars)
         EXPECT_EQ (tav_calendar_dialog_get_modal_widget_ptr (TAV_CALENDAR_DIALOG (ed.window ())), nullptr);
         ASSERT_TRUE (ed.save_and_close ());
     }
-    gboolean has_rrule = FALSE;
-    int repeat = 0;
-    g_object_get (entry, "has-rrule", &has_rrule, "repeat-code", &repeat, NULL);
-    EXPECT_TRUE (has_rrule) << "an untouched complex rule is kept";
-    EXPECT_EQ (repeat, TavCalendarRepeatsComplex);
+    EXPECT_TRUE (get_bool (entry, "has-rrule")) << "an untouched complex rule is kept";
+    EXPECT_EQ (get_int (entry, "repeat-code"), TavCalendarRepeatsComplex);
     {
         /* Agreed to: the new choice replaces the rule. */
         EditorDriver ed (editor_for (entry, {home.get ()}));
@@ -321,12 +298,9 @@ TEST (EventWindow, LongTextsComplexRulesAndReadOnlyCalendars)
         EXPECT_EQ (ed.rows ("repeat-button").size (), 6u) << "the complex row is gone";
         ASSERT_TRUE (ed.save_and_close ());
     }
-    g_object_get (entry, "has-rrule", &has_rrule, "repeat-code", &repeat, NULL);
-    EXPECT_EQ (std::make_pair (has_rrule, repeat), std::make_pair (FALSE, int (TavCalendarRepeatsEveryWeek)));
-    char *description = nullptr;
-    g_object_get (entry, "description", &description, NULL);
-    EXPECT_EQ (strlen (description), 16000u);
-    g_free (description);
+    EXPECT_FALSE (get_bool (entry, "has-rrule"));
+    EXPECT_EQ (get_int (entry, "repeat-code"), TavCalendarRepeatsEveryWeek);
+    EXPECT_EQ (get_string (entry, "description").size (), 16000u);
 
     /* Only a read-only calendar: nothing can be stored, and the user is told. */
     LogCapture capture;
@@ -397,12 +371,9 @@ TEST (EventWindow, AllDayEventsAndEntriesFromOutsideTheCalendarsYears)
         ed.type ("title-entry", "holiday");
         ASSERT_TRUE (ed.save_and_close ());
     }
-    EXPECT_EQ (only_event (home.get ()), "holiday||" + day (day_) + " 00:00-" + day (day_) + " 23:59|a7|r0|all-day");
+    EXPECT_EQ (only_event (home.get ()), "holiday||" + to_text (day_) + " 00:00-" + to_text (day_) + " 23:59|a7|r0|all-day");
     GList *events = tav_memory_source_list_events (home.get (), nullptr);
-    TavTime *alarm_time = nullptr;
-    g_object_get (events->data, "alarm-time", &alarm_time, NULL);
-    EXPECT_EQ (alarm_time->hour * 60 + alarm_time->minute, 7 * 60 + 45);
-    tav_time_free (alarm_time);
+    EXPECT_EQ (get_text (events->data, "alarm-time"), "07:45");
     g_list_free_full (events, g_object_unref);
 
     /* An entry from 2038 with a location that is not UTF-8: shown as well as

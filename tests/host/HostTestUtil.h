@@ -37,9 +37,8 @@ inline std::string joined (std::vector<std::string> texts)
 {
     std::sort (texts.begin (), texts.end ());
     std::string out;
-    for (const std::string &s : texts) {
+    for (const std::string &s : texts)
         out += (out.empty () ? "" : ",") + s;
-    }
     return out;
 }
 
@@ -69,12 +68,10 @@ inline std::string describe (const EntryRecord &e)
                     std::to_string (e.repeat_code) + "|done " + std::to_string (e.done) + "|birthday " +
                     std::to_string (e.has_birthday) + " " + std::to_string (e.birth_year) + "|" + e.extra +
                     "|created " + std::to_string (e.created);
-    for (int64_t x : e.exdates) {
+    for (int64_t x : e.exdates)
         s += "|ex " + civil_to_string (x);
-    }
-    for (int64_t r : e.rdates) {
+    for (int64_t r : e.rdates)
         s += "|r " + civil_to_string (r);
-    }
     return s;
 }
 
@@ -113,9 +110,8 @@ struct StoreFixture {
         e.start = start;
         e.end = end;
         e.rrule = rrule;
-        if (!rrule.empty ()) {
+        if (!rrule.empty ())
             e.repeat_code = TavCalendarRepeatsComplex;
-        }
         return e;
     }
 };

@@ -15,15 +15,10 @@ const char *const kFooter = "END:VCALENDAR\r\n";
 
 TEST (HostIcs, FixtureCalendarsImportWithTheRightCountsAndRoundTrip)
 {
-    struct Row {
-        const char *file;
-        int events, tasks, notes;
-        const char *warning;
-    } rows[] = {
+    struct Row { const char *file; int events, tasks, notes; const char *warning; } rows[] = {
         {"calendar.ics", 3, 0, 0, ""},
         {"2445.ics", 6, 2, 2, "line 68: 4 VFREEBUSY component(s) are not calendar entries"},
-        {"overlaps.ics", 5, 0, 0, ""},
-        {"spanlist.ics", 5, 0, 0, ""},
+        {"overlaps.ics", 5, 0, 0, ""}, {"spanlist.ics", 5, 0, 0, ""},
         {"recur.txt", 54, 0, 0, "line 645: 6 line(s) outside any component ignored"},  /* 3 true duplicates */
     };
     for (const Row &row : rows) {
@@ -31,9 +26,8 @@ TEST (HostIcs, FixtureCalendarsImportWithTheRightCountsAndRoundTrip)
         StoreFixture f;
         auto described = [&f] (int64_t calendar) {
             std::vector<std::string> lines;
-            for (const auto &e : f.store->entries_of_calendar (calendar)) {
+            for (const auto &e : f.store->entries_of_calendar (calendar))
                 lines.push_back (describe (e));
-            }
             return joined (lines);
         };
         const int total = row.events + row.tasks + row.notes;
@@ -68,13 +62,8 @@ TEST (HostIcs, MalformedFilesImportNothingAndBadComponentsAreSkipped)
     const std::string head = std::string (kHeader) + "BEGIN:VEVENT\r\nUID:ok-1\r\nDTSTART:20240506T090000Z\r\nEND:VEVENT\r\n";
     const std::string start = "BEGIN:VEVENT\r\nDTSTART:20240506T090000Z\r\n";
     const std::string bad_start = "BEGIN:VEVENT\r\nSUMMARY:x\r\nDTSTART:";
-    struct Row {
-        const char *label;
-        std::string text;
-        CalendarUiErrorCode code;
-        int line;
-        int stored;  /* entries in the calendar afterwards, the one already there included */
-    } rows[] = {
+    /* stored: entries in the calendar afterwards, the one already there included */
+    struct Row { const char *label; std::string text; CalendarUiErrorCode code; int line; int stored; } rows[] = {
         {"unclosed event", head + start, CalendarInvalidIcsFile, 8, 1},
         {"mismatched END", std::string (kHeader) + start + "END:VTODO\r\n" + kFooter, CalendarInvalidIcsFile, 6, 1},
         {"garbage line inside", head + start + "this is no property\r\nEND:VEVENT\r\n" + kFooter, CalendarInvalidIcsFile, 10, 1},
@@ -195,9 +184,8 @@ TEST (HostIcs, AlarmCodesAreTheNearestOffset)
                 {45, TavCalendarAlarm30Min}, {46, TavCalendarAlarm1Hour},    {120, TavCalendarAlarm1Hour},
                 {121, TavCalendarAlarm3Hours}, {810, TavCalendarAlarm3Hours}, {811, TavCalendarAlarmDayBefore},
                 {10000, TavCalendarAlarmDayBefore}};
-    for (const Row &row : rows) {
+    for (const Row &row : rows)
         EXPECT_EQ (alarm_code_for_minutes (row.minutes), row.code) << row.minutes << " minutes";
-    }
 }
 
 TEST (HostIcs, ImportOnAFullDiskStoresNothingAndSaysSo)

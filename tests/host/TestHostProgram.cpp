@@ -9,33 +9,27 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <set>
 
 using namespace tav::host;
 using namespace tav::host::test;
 
 namespace {
 
-struct ProgramRun {
-    int status = -1;
-    std::string out, err;
-};
+struct ProgramRun { int status = -1; std::string out, err; };
 
 ProgramRun run (std::vector<std::string> args, const char *tz = nullptr)
 {
     args.insert (args.begin (), TAV_CALENDAR_BIN);
     std::vector<char *> argv;
-    for (auto &a : args) {
+    for (auto &a : args)
         argv.push_back (a.data ());
-    }
     argv.push_back (nullptr);
     gchar *out = nullptr, *err = nullptr;
     int wait = 0;
     GError *error = nullptr;
     gchar **env = g_get_environ ();
-    if (tz) {
+    if (tz)
         env = g_environ_setenv (env, "TZ", tz, TRUE);
-    }
     const bool ran = g_spawn_sync (nullptr, argv.data (), env, G_SPAWN_DEFAULT, nullptr, nullptr, &out, &err, &wait,
                                    &error);
     g_strfreev (env);
@@ -52,21 +46,6 @@ bool contains (const std::string &hay, const std::string &needle)
     return hay.find (needle) != std::string::npos;
 }
 
-/* Distinct colours in a picture, a rough measure of how much is drawn. */
-size_t colour_count (GdkPixbuf *p)
-{
-    std::set<uint32_t> colours;
-    const int n = gdk_pixbuf_get_n_channels (p), stride = gdk_pixbuf_get_rowstride (p);
-    const guchar *px = gdk_pixbuf_get_pixels (p);
-    for (int y = 0; y < gdk_pixbuf_get_height (p); ++y) {
-        for (int x = 0; x < gdk_pixbuf_get_width (p); ++x) {
-            const guchar *c = px + y * stride + x * n;
-            colours.insert ((c[0] << 16) | (c[1] << 8) | c[2]);
-        }
-    }
-    return colours.size ();
-}
-
 /* Pixels that differ between two pictures of the same size. */
 size_t differing_pixels (GdkPixbuf *a, GdkPixbuf *b)
 {
@@ -74,9 +53,8 @@ size_t differing_pixels (GdkPixbuf *a, GdkPixbuf *b)
     const int n = gdk_pixbuf_get_n_channels (a), stride = gdk_pixbuf_get_rowstride (a);
     for (int y = 0; y < gdk_pixbuf_get_height (a); ++y) {
         const guchar *pa = gdk_pixbuf_get_pixels (a) + y * stride, *pb = gdk_pixbuf_get_pixels (b) + y * stride;
-        for (int x = 0; x < gdk_pixbuf_get_width (a); ++x) {
+        for (int x = 0; x < gdk_pixbuf_get_width (a); ++x)
             count += memcmp (pa + x * n, pb + x * n, 3) != 0;
-        }
     }
     return count;
 }
@@ -103,32 +81,17 @@ TEST (HostProgram, ScreenshotRendersEachViewAt800x480)
         EXPECT_EQ (gdk_pixbuf_get_width (full), 800);
         EXPECT_EQ (gdk_pixbuf_get_height (full), 480);
         /* The demo store fills the view with coloured entries and their
-         * texts; an empty store leaves only the grid (or an empty list). */
-        if (strcmp (view, "month") == 0 || strcmp (view, "week") == 0) {
-            EXPECT_GT (colour_count (full), colour_count (bare) + 50);
-        }
-        if (strcmp (view, "appmenu") != 0) {
-            EXPECT_GT (differing_pixels (full, bare), 800u * 480u / 30) << "the entries make a difference";
-        }
+         * texts, where an empty store leaves only the grid (or an empty
+         * list); the menu covers most of the month view it opens over. */
+        const bool menu = strcmp (view, "appmenu") == 0;
+        GdkPixbuf *other = menu ? gdk_pixbuf_new_from_file (dir.file ("demo/month.png").c_str (), nullptr)
+                                : GDK_PIXBUF (g_object_ref (bare));
+        ASSERT_TRUE (other);
+        EXPECT_GT (differing_pixels (full, other), 800u * 480u / (menu ? 3 : 30));
+        g_object_unref (other);
         g_object_unref (full);
         g_object_unref (bare);
     }
-}
-
-TEST (HostProgram, ImportPrintsCountsAndExportWritesThemBack)
-{
-    tav::test::TempDir dir;
-    const std::string db = dir.file ("cal.db");
-    ProgramRun imp = run ({"--db", db, "--import", fixture_path ("2445.ics"), "--import", fixture_path ("overlaps.ics")});
-    ASSERT_EQ (imp.status, 0) << imp.err;
-    EXPECT_TRUE (contains (imp.out, "imported 6 events, 2 tasks, 2 notes into 'Personal'")) << imp.out;
-    EXPECT_TRUE (contains (imp.out, "imported 5 events, 0 tasks, 0 notes")) << imp.out;
-
-    ProgramRun exp = run ({"--db", db, "--export", dir.file ("all.ics")});
-    ASSERT_EQ (exp.status, 0) << exp.err;
-    EXPECT_TRUE (contains (exp.out, "exported 15 entries from 1 calendars")) << exp.out;
-    const std::string text = read_file (dir.file ("all.ics"));
-    EXPECT_TRUE (contains (text, "SUMMARY:Bastille Day Party"));
 }
 
 TEST (HostProgram, BadInputGivesAClearMessageAndStatus)
@@ -141,12 +104,7 @@ TEST (HostProgram, BadInputGivesAClearMessageAndStatus)
     const std::string bad_text = "BEGIN:VCALENDAR\nBEGIN:VEVENT\nDTSTART:20240101T100000Z\nSUMMARY:x\nEND:VEVENT\n"
                                  "BEGIN:VEVENT\nDTSTART:20240102T100000Z\n";
     ASSERT_TRUE (g_file_set_contents (bad_ics.c_str (), bad_text.data (), bad_text.size (), nullptr));
-    struct Row {
-        const char *label;
-        std::vector<std::string> args;
-        int status;
-        const char *message;
-    } rows[] = {
+    struct Row { const char *label; std::vector<std::string> args; int status; const char *message; } rows[] = {
         {"not a database", {"--db", junk, "--export", dir.file ("x.ics")}, 2, "is not a calendar database"},
         {"malformed import", {"--db", dir.file ("a.db"), "--import", bad_ics}, 1, "bad.ics:6: BEGIN:VEVENT is never closed; nothing was imported"},
         {"missing file", {"--db", dir.file ("a.db"), "--import", dir.file ("none.ics")}, 1, "cannot read"},
@@ -228,15 +186,21 @@ TEST (HostProgram, AnITipMailboxImportsInPartAndListsInTheViewersTime)
     EXPECT_EQ (run ({"--db", dir.file ("again.db"), "--list", "2024-03-01", "2024-04-30"}, "UTC").out, utc);
 }
 
-TEST (HostProgram, ExportWritesThroughALinkAndTwoImportsShareTheStore)
+TEST (HostProgram, ImportPrintsCountsExportWritesThroughALinkAndTwoImportsShareTheStore)
 {
     tav::test::TempDir dir;
     const std::string db = dir.file ("cal.db");
+    ProgramRun imp = run ({"--db", db, "--import", fixture_path ("2445.ics"), "--import", fixture_path ("overlaps.ics")});
+    ASSERT_EQ (imp.status, 0) << imp.err;
+    EXPECT_TRUE (contains (imp.out, "imported 6 events, 2 tasks, 2 notes into 'Personal'")) << imp.out;
+    EXPECT_TRUE (contains (imp.out, "imported 5 events, 0 tasks, 0 notes")) << imp.out;
+
     ASSERT_EQ (symlink ("real.ics", dir.file ("link.ics").c_str ()), 0);
     ProgramRun exp = run ({"--db", db, "--export", dir.file ("link.ics")});
     EXPECT_EQ (exp.status, 0) << exp.err;
+    EXPECT_TRUE (contains (exp.out, "exported 15 entries from 1 calendars")) << exp.out;
     EXPECT_TRUE (g_file_test (dir.file ("link.ics").c_str (), G_FILE_TEST_IS_SYMLINK));
-    EXPECT_TRUE (contains (read_file (dir.file ("real.ics")), "BEGIN:VCALENDAR"));
+    EXPECT_TRUE (contains (read_file (dir.file ("real.ics")), "SUMMARY:Bastille Day Party"));
 
     /* Two processes import into one store at once: both wait their turn. */
     for (const char *name : {"a", "b"}) {
@@ -264,12 +228,11 @@ TEST (HostProgram, ExportWritesThroughALinkAndTwoImportsShareTheStore)
     Status st;
     auto store = Store::open (db, &st);
     ASSERT_TRUE (store) << st.message;
-    EXPECT_EQ (store->count_entries (store->calendars ()[0].id), 6000);
+    EXPECT_EQ (store->count_entries (store->calendars ()[0].id), 15 + 6000);
 
     /* A store in a folder nobody may write says so (root writes anywhere). */
-    if (geteuid () == 0) {
+    if (geteuid () == 0)
         return;
-    }
     const std::string ro = dir.file ("ro");
     ASSERT_EQ (g_mkdir (ro.c_str (), 0555), 0);
     ProgramRun locked = run ({"--db", ro + "/cal.db", "--list", "2024-01-01", "2024-01-02"});

@@ -18,9 +18,8 @@ std::string titles_on (TavCalendar *month, int y, int m, int d)
     const TavDate date = {y, m - 1, d};
     GList *entries = tav_calendar_get_entries_for_day (month, &date);
     std::vector<std::string> t;
-    for (GList *l = entries; l; l = l->next) {
+    for (GList *l = entries; l; l = l->next)
         t.push_back (tav_calendar_entry_get_title (TAV_CALENDAR_ENTRY (l->data)));
-    }
     g_list_free_full (entries, g_object_unref);
     return joined (t);
 }
@@ -80,9 +79,8 @@ TEST (HostRead, MonthViewIsFilledFromTheVisibleCalendars)
 
     /* 13 May is the exception date; the trip's DTEND (18 May) is exclusive. */
     std::string days;
-    for (int d : {6, 13, 16, 17, 18, 20}) {
+    for (int d : {6, 13, 16, 17, 18, 20})
         days += std::to_string (d) + "=" + titles_on (TAV_CALENDAR (month), 2024, 5, d) + " ";
-    }
     EXPECT_EQ (days, "6=Dentist,Gym 13= 16=Trip 17=Trip 18= 20=Gym ");
 
     /* The hidden calendar comes in once it is made visible and re-read. */

@@ -61,13 +61,11 @@ TEST (HostRecurrence, SeekingToTheWindowGivesWhatSteppingGives)
         const std::string freq = freqs[pick (4)];
         e.rrule = "FREQ=" + freq + ";INTERVAL=" + std::to_string (1 + pick (3));
         const std::string extra = extras[pick (7)];
-        if (extra.find ("BYSETPOS") == std::string::npos || freq == "MONTHLY") {
+        if (extra.find ("BYSETPOS") == std::string::npos || freq == "MONTHLY")
             e.rrule += extra;
-        }
         e.tzid = zones[pick (3)];
-        if (pick (3) == 0) {
+        if (pick (3) == 0)
             e.exdates.push_back (e.start + 7 * kMinutesPerDay);
-        }
         const int64_t from = e.start + int64_t (pick (20 * 365)) * kMinutesPerDay - int64_t (pick (60)) * kMinutesPerDay;
         non_empty += expect_same_instances (e, from, from + int64_t (1 + pick (45)) * kMinutesPerDay);
     }
@@ -90,23 +88,20 @@ TEST (HostRecurrence, CountedOutSimpleRulesMatchLibical)
         const int day = pick (5) == 0 ? 28 + pick (4) : 1 + pick (28);
         const int month = 1 + pick (12);
         const int year = 1995 + pick (40);
-        if (day > 28 && day > civil_fields (civil_minutes (year, month % 12 + 1, 1) - 1).day) {
+        if (day > 28 && day > civil_fields (civil_minutes (year, month % 12 + 1, 1) - 1).day)
             continue;
-        }
         e.start = at (year, month, day, pick (24), 5 * pick (12));
         e.end = e.start + pick (3000);
         const std::string freq = freqs[pick (4)];
         e.rrule = "FREQ=" + freq;
         const int interval = pick (2) ? 1 + pick (4) : 1;
-        if (interval > 1) {
+        if (interval > 1)
             e.rrule += ";INTERVAL=" + std::to_string (interval);
-        }
         if (freq == "WEEKLY" && pick (2)) {
             std::string list = days[(civil_weekday (e.start) + 6) % 7];
             for (const char *d : days) {
-                if (pick (3) == 0 && list.find (d) == std::string::npos) {
+                if (pick (3) == 0 && list.find (d) == std::string::npos)
                     list += std::string (",") + d;
-                }
             }
             /* libical 3.0 skips weeks wrongly when they do not start on
              * Monday; those rules are checked against the reference only. */
@@ -163,9 +158,8 @@ TEST (HostRecurrence, ExceptionsAndExtraDates)
     e.exdates = {at (2024, 5, 7, 9)};
     e.rdates = {at (2024, 5, 20, 14)};
     std::string got;
-    for (int64_t s : expand_instances (e, INT64_MIN, kUnbounded)) {
+    for (int64_t s : expand_instances (e, INT64_MIN, kUnbounded))
         got += civil_to_string (s) + ";";
-    }
     EXPECT_EQ (got, "2024-05-06 09:00;2024-05-08 09:00;2024-05-09 09:00;2024-05-10 09:00;2024-05-20 14:00;");
 
     /* A window catches an instance that started before it and is still on. */
@@ -178,17 +172,11 @@ TEST (HostRecurrence, RulesLibicalGetsWrongAreCountedOut)
 {
     auto days = [] (const EntryRecord &e) {
         std::string got;
-        for (int64_t s : expand_instances (e, INT64_MIN, kUnbounded)) {
+        for (int64_t s : expand_instances (e, INT64_MIN, kUnbounded))
             got += civil_to_string (s).substr (5, 5) + " ";
-        }
         return got;
     };
-    struct Row {
-        const char *rrule;
-        int64_t start;
-        bool all_day;
-        const char *expected;
-    } rows[] = {
+    struct Row { const char *rrule; int64_t start; bool all_day; const char *expected; } rows[] = {
         /* Weeks begin on Friday: the first week holds Thursday the 11th only. */
         {"FREQ=WEEKLY;INTERVAL=2;BYDAY=TH,SU;WKST=FR;COUNT=6", at (2024, 1, 11, 9), false,
          "01-11 01-21 01-25 02-04 02-08 02-18 "},
@@ -218,24 +206,16 @@ TEST (HostRecurrence, RulesLibicalGetsWrongAreCountedOut)
 TEST (HostRecurrence, SimpleRepeatCodesMapToRulesAndBack)
 {
     const int64_t monday = at (2024, 5, 6, 9);  /* a Monday */
-    struct Row {
-        const char *rrule;
-        TavCalendarRepeatCode code;
-        int64_t until;
-    } rows[] = {
-        {"", TavCalendarRepeatsNoRepeat, -1},
-        {"FREQ=DAILY", TavCalendarRepeatsEveryDay, -1},
+    struct Row { const char *rrule; TavCalendarRepeatCode code; int64_t until; } rows[] = {
+        {"", TavCalendarRepeatsNoRepeat, -1}, {"FREQ=DAILY", TavCalendarRepeatsEveryDay, -1},
         {"FREQ=WEEKLY;BYDAY=MO,TU,WE,TH,FR", TavCalendarRepeatsEveryWorkday, -1},
         {"FREQ=DAILY;BYDAY=MO,TU,WE,TH,FR", TavCalendarRepeatsEveryWorkday, -1},
-        {"FREQ=WEEKLY", TavCalendarRepeatsEveryWeek, -1},
-        {"FREQ=WEEKLY;BYDAY=MO", TavCalendarRepeatsEveryWeek, -1},
+        {"FREQ=WEEKLY", TavCalendarRepeatsEveryWeek, -1}, {"FREQ=WEEKLY;BYDAY=MO", TavCalendarRepeatsEveryWeek, -1},
         {"FREQ=MONTHLY;UNTIL=20241231T235959", TavCalendarRepeatsEveryMonth, at (2024, 12, 31)},
         {"FREQ=YEARLY;BYMONTH=5;BYMONTHDAY=6", TavCalendarRepeatsEveryYear, -1},
         {"FREQ=WEEKLY;BYDAY=TU", TavCalendarRepeatsComplex, -1},
-        {"FREQ=DAILY;INTERVAL=2", TavCalendarRepeatsComplex, -1},
-        {"FREQ=DAILY;COUNT=3", TavCalendarRepeatsComplex, -1},
-        {"FREQ=MONTHLY;BYDAY=1MO", TavCalendarRepeatsComplex, -1},
-        {"FREQ=HOURLY", TavCalendarRepeatsComplex, -1},
+        {"FREQ=DAILY;INTERVAL=2", TavCalendarRepeatsComplex, -1}, {"FREQ=DAILY;COUNT=3", TavCalendarRepeatsComplex, -1},
+        {"FREQ=MONTHLY;BYDAY=1MO", TavCalendarRepeatsComplex, -1}, {"FREQ=HOURLY", TavCalendarRepeatsComplex, -1},
         {"not a rule", TavCalendarRepeatsComplex, -1},
     };
     for (const Row &row : rows) {

@@ -37,9 +37,7 @@ int weekday (int64_t day) { return static_cast<int> (((day % 7) + 11) % 7); }
 bool leap (int y) { return (y % 4 == 0 && y % 100 != 0) || y % 400 == 0; }
 int month_days (int y, int m) { return m == 2 ? 28 + leap (y) : 30 + ((m + (m > 7)) % 2); }
 
-struct Ymd {
-    int y, m, d;
-};
+struct Ymd { int y, m, d; };
 Ymd ymd (int64_t day)
 {
     Ymd r;
@@ -69,33 +67,27 @@ bool day_matches (const Rule &r, int64_t day, int64_t day0)
     const Ymd t = ymd (day), s = ymd (day0);
     const int doy = static_cast<int> (day - days_from_civil (t.y, 1, 1)) + 1;
     const int year_len = 365 + leap (t.y), month_len = month_days (t.y, t.m);
-    if (!r.bymonth.empty () && !in (r.bymonth, t.m)) {
+    if (!r.bymonth.empty () && !in (r.bymonth, t.m))
         return false;
-    }
     if (!r.byweekno.empty ()) {
         const int w = week_number (day, t.y, r.wkst);
         const int weeks = week_number (days_from_civil (t.y, 12, 28), t.y, r.wkst);
-        if (w == 0 || (!in (r.byweekno, w) && !in (r.byweekno, w - weeks - 1))) {
+        if (w == 0 || (!in (r.byweekno, w) && !in (r.byweekno, w - weeks - 1)))
             return false;
-        }
     }
-    if (!r.byyearday.empty () && !in (r.byyearday, doy) && !in (r.byyearday, doy - year_len - 1)) {
+    if (!r.byyearday.empty () && !in (r.byyearday, doy) && !in (r.byyearday, doy - year_len - 1))
         return false;
-    }
-    if (!r.bymonthday.empty () && !in (r.bymonthday, t.d) && !in (r.bymonthday, t.d - month_len - 1)) {
+    if (!r.bymonthday.empty () && !in (r.bymonthday, t.d) && !in (r.bymonthday, t.d - month_len - 1))
         return false;
-    }
     if (!r.byday.empty ()) {
         const bool in_month = r.freq == Monthly || (r.freq == Yearly && !r.bymonth.empty ());
         const int pos = in_month ? (t.d - 1) / 7 + 1 : (doy - 1) / 7 + 1;
         const int neg = in_month ? -((month_len - t.d) / 7 + 1) : -((year_len - doy) / 7 + 1);
         bool any = false;
-        for (auto [ord, wd] : r.byday) {
+        for (auto [ord, wd] : r.byday)
             any = any || (wd == weekday (day) && (ord == 0 || ord == pos || ord == neg));
-        }
-        if (!any) {
+        if (!any)
             return false;
-        }
     }
     /* What the rule leaves open comes from DTSTART. */
     const bool day_parts = !r.byweekno.empty () || !r.byyearday.empty () || !r.bymonthday.empty () || !r.byday.empty ();
@@ -103,14 +95,12 @@ bool day_matches (const Rule &r, int64_t day, int64_t day0)
     case Weekly: return !r.byday.empty () || weekday (day) == weekday (day0);
     case Monthly: return day_parts || t.d == s.d;
     case Yearly:
-        if (!r.byweekno.empty () && r.byday.empty () && r.byyearday.empty () && r.bymonthday.empty ()) {
+        if (!r.byweekno.empty () && r.byday.empty () && r.byyearday.empty () && r.bymonthday.empty ())
             return weekday (day) == weekday (day0);
-        }
         /* Days of the month name no month: DTSTART's, as the RFC derives
          * whatever a rule leaves unsaid from DTSTART. */
-        if (!r.bymonthday.empty () && r.bymonth.empty () && r.byweekno.empty () && r.byyearday.empty ()) {
+        if (!r.bymonthday.empty () && r.bymonth.empty () && r.byweekno.empty () && r.byyearday.empty ())
             return t.m == s.m;
-        }
         return day_parts || (t.d == s.d && (!r.bymonth.empty () || t.m == s.m));
     default: return true;
     }
@@ -143,14 +133,12 @@ std::vector<int64_t> reference (const Rule &r, int64_t start, int64_t horizon)
     const int h0 = static_cast<int> ((start - day0 * kMinutesPerDay) / 60), m0 = static_cast<int> (start % 60);
     std::vector<int> hours, minutes;
     for (int h = 0; h < 24; ++h) {
-        if (r.byhour.empty () ? (r.freq <= Hourly || h == h0) : in (r.byhour, h)) {
+        if (r.byhour.empty () ? (r.freq <= Hourly || h == h0) : in (r.byhour, h))
             hours.push_back (h);
-        }
     }
     for (int m = 0; m < 60; ++m) {
-        if (r.byminute.empty () ? (r.freq == Minutely || m == m0) : in (r.byminute, m)) {
+        if (r.byminute.empty () ? (r.freq == Minutely || m == m0) : in (r.byminute, m))
             minutes.push_back (m);
-        }
     }
     std::vector<int64_t> set;  /* candidates of the current period */
     int64_t set_period = -1;
@@ -162,15 +150,13 @@ std::vector<int64_t> reference (const Rule &r, int64_t start, int64_t horizon)
         } else {
             const int n = static_cast<int> (set.size ());
             for (int i = 0; i < n; ++i) {
-                if (in (r.bysetpos, i + 1) || in (r.bysetpos, i - n)) {
+                if (in (r.bysetpos, i + 1) || in (r.bysetpos, i - n))
                     chosen.push_back (set[i]);
-                }
             }
         }
         for (int64_t t : chosen) {
-            if (t < start || t > horizon || done) {
+            if (t < start || t > horizon || done)
                 continue;
-            }
             if ((r.count && static_cast<int> (out.size ()) >= r.count) || t > r.until) {
                 done = true;
                 continue;
@@ -182,16 +168,14 @@ std::vector<int64_t> reference (const Rule &r, int64_t start, int64_t horizon)
     /* A set position needs its whole period, also past the horizon. */
     const int64_t last_day = day_of (horizon) + (r.bysetpos.empty () ? 0 : 400);
     for (int64_t day = day0 - 400; day <= last_day && !done; ++day) {
-        if (!day_matches (r, day, day0)) {
+        if (!day_matches (r, day, day0))
             continue;
-        }
         for (int h : hours) {
             for (int m : minutes) {
                 const int64_t t = day * kMinutesPerDay + h * 60 + m;
                 const int64_t p = period (r, t, start);
-                if (p < 0 || p % r.interval != 0 || (r.bysetpos.empty () && t > horizon)) {
+                if (p < 0 || p % r.interval != 0 || (r.bysetpos.empty () && t > horizon))
                     continue;
-                }
                 if (p != set_period) {
                     flush ();
                     set_period = p;
@@ -209,9 +193,8 @@ void libc_utc (std::vector<int64_t> &times, const char *zone)
 {
     g_setenv ("TZ", zone, TRUE);
     tzset ();
-    for (int64_t &t : times) {
+    for (int64_t &t : times)
         t = floor_div (static_cast<int64_t> (time_t_from_civil (t)), 60);
-    }
     g_setenv ("TZ", "UTC", TRUE);
     tzset ();
 }
@@ -235,12 +218,10 @@ std::string stamp (int64_t minutes, bool utc)
 std::string difference (const std::vector<int64_t> &got, const std::vector<int64_t> &want)
 {
     size_t i = 0;
-    while (i < got.size () && i < want.size () && got[i] == want[i]) {
+    while (i < got.size () && i < want.size () && got[i] == want[i])
         ++i;
-    }
-    if (i == got.size () && i == want.size ()) {
+    if (i == got.size () && i == want.size ())
         return {};
-    }
     auto at_i = [i] (const std::vector<int64_t> &v) { return i < v.size () ? civil_to_string (v[i]) : std::string ("(end)"); };
     return "instance " + std::to_string (i) + " of " + std::to_string (want.size ()) + ": got " + at_i (got) +
            ", the reference has " + at_i (want) + " (" + std::to_string (got.size ()) + " instances)";
@@ -282,9 +263,8 @@ TEST (HostRecurrenceReference, GeneratedRulesExpandAsTheRfcDefinesThem)
             const bool ordinals = (r.freq == Monthly || (r.freq == Yearly && r.byweekno.empty ())) && pick (2);
             for (int n = 1 + pick (3); n > 0; --n) {
                 const std::pair<int, int> d {ordinals ? (1 + pick (4)) * (pick (3) ? 1 : -1) : 0, pick (7)};
-                if (std::find (r.byday.begin (), r.byday.end (), d) == r.byday.end ()) {
+                if (std::find (r.byday.begin (), r.byday.end (), d) == r.byday.end ())
                     r.byday.push_back (d);
-                }
             }
         }
         if (!all_day && pick (4) == 0) r.byhour = some (0, 23, 3, false);
@@ -297,9 +277,8 @@ TEST (HostRecurrenceReference, GeneratedRulesExpandAsTheRfcDefinesThem)
         const int64_t span = r.freq == Minutely ? 3 * kMinutesPerDay : r.freq == Hourly ? 40 * kMinutesPerDay
                                                                                         : 4 * 366 * kMinutesPerDay;
         const auto first = reference (r, seed, seed + span);
-        if (first.empty ()) {
+        if (first.empty ())
             continue;
-        }
         const int64_t start = first.front ();
         const int bound = pick (3);
         if (bound == 0) {
@@ -328,9 +307,8 @@ TEST (HostRecurrenceReference, GeneratedRulesExpandAsTheRfcDefinesThem)
         list ("BYMONTHDAY", r.bymonthday);
         if (!r.byday.empty ()) {
             text += ";BYDAY=";
-            for (size_t k = 0; k < r.byday.size (); ++k) {
+            for (size_t k = 0; k < r.byday.size (); ++k)
                 text += (k ? "," : "") + (r.byday[k].first ? std::to_string (r.byday[k].first) : "") + kDays[r.byday[k].second];
-            }
         }
         list ("BYHOUR", r.byhour);
         list ("BYMINUTE", r.byminute);
@@ -339,9 +317,8 @@ TEST (HostRecurrenceReference, GeneratedRulesExpandAsTheRfcDefinesThem)
 
         const int64_t horizon = start + span;
         std::vector<int64_t> expected = reference (r, start, horizon);
-        if (*zone) {
+        if (*zone)
             libc_utc (expected, zone);
-        }
         EntryRecord e;
         e.all_day = all_day;
         e.tzid = zone;
@@ -361,9 +338,8 @@ TEST (HostRecurrenceReference, GeneratedRulesExpandAsTheRfcDefinesThem)
             ++known_rules;
             const std::string d = difference (got, expected);
             known_differ += !d.empty ();
-            if (!d.empty () && g_getenv ("TAV_REFERENCE_VERBOSE")) {
+            if (!d.empty () && g_getenv ("TAV_REFERENCE_VERBOSE"))
                 printf ("%s: %s\n", label.c_str (), d.c_str ());
-            }
             continue;
         }
         EXPECT_EQ (difference (got, expected), "") << label;
@@ -372,9 +348,8 @@ TEST (HostRecurrenceReference, GeneratedRulesExpandAsTheRfcDefinesThem)
         const int64_t from = start + pick (static_cast<int> (span));
         const int64_t to = std::min (last, from + pick (static_cast<int> (span / 8)) + 1);
         std::vector<int64_t> touching;
-        for (int64_t t : expected) {
+        for (int64_t t : expected)
             if (t <= to && t + e.duration () >= from) touching.push_back (t);
-        }
         EXPECT_EQ (difference (expand_instances (e, from, to), touching), "")
             << label << " window " << civil_to_string (from) << " .. " << civil_to_string (to);
         ASSERT_FALSE (HasFailure ()) << "stopping at the first difference";

@@ -16,9 +16,8 @@ namespace {
 std::string titles (const std::vector<EntryRecord> &entries)
 {
     std::vector<std::string> t;
-    for (const auto &e : entries) {
+    for (const auto &e : entries)
         t.push_back (e.title);
-    }
     return joined (t);
 }
 
@@ -45,11 +44,7 @@ TEST (HostStore, BadEntriesAreRefusedWithTheirCode)
     EntryRecord taken = f.event ("Taken", day, day + 60);
     taken.uid = "same@example.com";
     ASSERT_TRUE (f.store->add_entry (taken).ok ());
-    struct Row {
-        const char *label;
-        std::function<void (EntryRecord &)> spoil;
-        CalendarUiErrorCode code;
-    } rows[] = {
+    struct Row { const char *label; std::function<void (EntryRecord &)> spoil; CalendarUiErrorCode code; } rows[] = {
         {"ends before it starts", [] (EntryRecord &e) { e.end = e.start - 1; }, CalendarInvalidArg},
         {"no such calendar", [] (EntryRecord &e) { e.calendar_id = 999; }, CalendarInvalidArg},
         {"invalid UTF-8 title", [] (EntryRecord &e) { e.title = "A\xff" "B"; }, CalendarInvalidArg},
@@ -133,12 +128,7 @@ TEST (HostStore, IntervalQueryFindsWhatTouchesTheWindow)
 {
     StoreFixture f;
     const int64_t hidden = f.add_calendar (calendar_named ("Hidden", false)).id;
-    struct Ev {
-        const char *title;
-        int64_t start, end;
-        const char *rrule;
-        bool hidden;
-    } events[] = {
+    struct Ev { const char *title; int64_t start, end; const char *rrule; bool hidden; } events[] = {
         {"before", at (2024, 4, 30, 9), at (2024, 4, 30, 10), "", false},
         {"inside", at (2024, 5, 10, 9), at (2024, 5, 10, 10), "", false},
         {"spans-in", at (2024, 4, 28, 9), at (2024, 5, 2, 10), "", false},
@@ -155,12 +145,7 @@ TEST (HostStore, IntervalQueryFindsWhatTouchesTheWindow)
         e.calendar_id = ev.hidden ? hidden : f.calendar;
         ASSERT_TRUE (f.store->add_entry (e).ok ()) << ev.title;
     }
-    struct Row {
-        const char *label;
-        int64_t from, to;
-        bool visible_only;
-        const char *expected;
-    } rows[] = {
+    struct Row { const char *label; int64_t from, to; bool visible_only; const char *expected; } rows[] = {
         {"May 2024", at (2024, 5, 1), at (2024, 5, 31, 23, 59), true,
          "count-reaching-may,inside,spans-in,weekly-since-2010"},
         {"May 2024, all calendars", at (2024, 5, 1), at (2024, 5, 31, 23, 59), false,
@@ -170,9 +155,8 @@ TEST (HostStore, IntervalQueryFindsWhatTouchesTheWindow)
         {"outside the UI range, 2100", at (2100, 5, 1), at (2100, 5, 31), true, "weekly-since-2010,year-2100"},
         {"2009", at (2009, 1, 1), at (2009, 12, 31), true, ""},
     };
-    for (const Row &row : rows) {
+    for (const Row &row : rows)
         EXPECT_EQ (titles (f.store->entries_touching (row.from, row.to, row.visible_only)), row.expected) << row.label;
-    }
 }
 
 TEST (HostStore, DeletingOrMovingAnEntryUpdatesTheIndex)
@@ -211,9 +195,8 @@ TEST (HostStore, ASeriesKeepsItsExceptions)
     auto listed = [&] {
         std::string out;
         for (const EntryRecord &e : f.store->entries_touching (at (2024, 5, 1), at (2024, 5, 31))) {
-            for (int64_t s : expand_instances (e, at (2024, 5, 1), at (2024, 5, 31))) {
+            for (int64_t s : expand_instances (e, at (2024, 5, 1), at (2024, 5, 31)))
                 out += e.title + " " + civil_to_string (s).substr (5) + "; ";
-            }
         }
         return out;
     };
@@ -326,9 +309,8 @@ TEST (HostStore, FullDiskGivesDiskFullAndLosesNothingCommitted)
     /* The store still answers after the failure, and a reopen (without the
      * limit) finds exactly what was committed. */
     for (bool reopened : {false, true}) {
-        if (reopened) {
+        if (reopened)
             f.reopen ();
-        }
         EXPECT_EQ (f.store->count_entries (f.calendar), stored) << reopened;
         EXPECT_EQ (f.store->entries_touching (at (2024, 1, 1), at (2024, 12, 31)).size (), size_t (stored)) << reopened;
     }

@@ -218,32 +218,19 @@ TEST_F (EntryWithSource, WritesThatMoveTheEventDropTheCache)
     TavTimestamp start = at (2009, 2, 2, 10, 0);
     /* value: for ints, enums and booleans; pointer: for texts and boxed values */
     struct Row { const char *property; int value; const void *pointer; bool dropped; } rows[] = {
-        { "start-hour", 11, nullptr, true },
-        { "start-minute", 30, nullptr, true },
-        { "start-year", 2009, nullptr, true },
-        { "start-month", 2, nullptr, true },
-        { "start-day", 3, nullptr, true },
-        { "end-year", 2009, nullptr, true },
-        { "end-month", 2, nullptr, true },
-        { "end-day", 2, nullptr, true },
-        { "end-hour", 12, nullptr, true },
-        { "end-minute", 1, nullptr, true },
-        { "start-date", 0, &day, true },
-        { "start-time", 0, &ten, true },
-        { "start-timestamp", 0, &start, true },
-        { "end-date", 0, &day, true },
-        { "end-time", 0, &eleven, true },
-        { "color", TavCalendarColorRed, nullptr, true },
+        { "start-hour", 11, nullptr, true }, { "start-minute", 30, nullptr, true },
+        { "start-year", 2009, nullptr, true }, { "start-month", 2, nullptr, true }, { "start-day", 3, nullptr, true },
+        { "end-year", 2009, nullptr, true }, { "end-month", 2, nullptr, true }, { "end-day", 2, nullptr, true },
+        { "end-hour", 12, nullptr, true }, { "end-minute", 1, nullptr, true }, { "start-date", 0, &day, true },
+        { "start-time", 0, &ten, true }, { "start-timestamp", 0, &start, true }, { "end-date", 0, &day, true },
+        { "end-time", 0, &eleven, true }, { "color", TavCalendarColorRed, nullptr, true },
         { "repeat-code", TavCalendarRepeatsEveryDay, nullptr, true },
         { "repeat-code", TavCalendarRepeatsEveryDay, nullptr, false }, /* unchanged */
         { "end-repetition-date", 0, &until, true },
         { "end-repetition-date", 0, &until, false }, /* unchanged */
-        { "title", 0, "Other", false },
-        { "all-day", TRUE, nullptr, false },
-        { "alarm-code", TavCalendarAlarm15Min, nullptr, false },
-        { "alarm-time", 0, &eight, false },
-        { "num-id", 0, "mem-1", false },
-        { "has-birthday", TRUE, nullptr, false },
+        { "title", 0, "Other", false }, { "all-day", TRUE, nullptr, false },
+        { "alarm-code", TavCalendarAlarm15Min, nullptr, false }, { "alarm-time", 0, &eight, false },
+        { "num-id", 0, "mem-1", false }, { "has-birthday", TRUE, nullptr, false },
     };
     for (const auto &row : rows) {
         SCOPED_TRACE (row.property);
@@ -469,8 +456,7 @@ TEST (CalendarEntry, InternalReadsAgreeWithTheProperties)
     MemorySourcePtr source (tav_memory_source_new ("Work", TavCalendarColorYellow, CalendarSourceTypeLocal));
     /* Within a day with a source, over midnight without, the first of 1970 with. */
     const std::pair<TavTimestamp, TavTimestamp> spans[] = {
-        { at (2009, 2, 5, 9, 5), at (2009, 2, 5, 10, 5) },
-        { at (2009, 11, 31, 23, 30), at (2010, 0, 1, 0, 30) },
+        { at (2009, 2, 5, 9, 5), at (2009, 2, 5, 10, 5) }, { at (2009, 11, 31, 23, 30), at (2010, 0, 1, 0, 30) },
         { at (1970, 0, 1, 0, 0), at (1970, 0, 1, 0, 0) },
     };
     for (size_t i = 0; i < G_N_ELEMENTS (spans); ++i) {

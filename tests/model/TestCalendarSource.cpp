@@ -68,9 +68,7 @@ TEST (CalendarSource, TypeTitleAndSynchronizedFollowTheType)
 TEST (CalendarSource, VisibleAndWritableCombine)
 {
     struct Row { gboolean visible, read_only, writable, visible_and_writable; } rows[] = {
-        { TRUE, FALSE, TRUE, TRUE },
-        { TRUE, TRUE, FALSE, FALSE },
-        { FALSE, FALSE, TRUE, FALSE },
+        { TRUE, FALSE, TRUE, TRUE }, { TRUE, TRUE, FALSE, FALSE }, { FALSE, FALSE, TRUE, FALSE },
         { FALSE, TRUE, FALSE, FALSE },
     };
     auto source = adoptGRef (tav_calendar_source_new ());

@@ -64,6 +64,12 @@ void PointerDriver::tap (GtkWidget *widget, int x, int y)
     release (1);
 }
 
+void PointerDriver::tap_centre (GtkWidget *widget)
+{
+    tap (widget, widget->allocation.width / 2, widget->allocation.height / 2);
+    flush_events ();
+}
+
 void tap_selector_row (KivoTouchSelector *selector, int row, int column)
 {
     GtkTreeView *view = GTK_TREE_VIEW (kivo_touch_selector_get_column_view (selector, column));

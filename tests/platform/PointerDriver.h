@@ -21,6 +21,8 @@ public:
     static void release (guint button = 1);
     /* Press and release at (@x, @y) of @widget. */
     static void tap (GtkWidget *widget, int x, int y);
+    /* A tap on the middle of @widget, handled before it returns. */
+    static void tap_centre (GtkWidget *widget);
     /* Press at (x0, y0), move in @steps steps of @step_ms to (x1, y1). */
     static void drag (GtkWidget *widget, int x0, int y0, int x1, int y1, int steps, int step_ms, bool release_at_end);
     /* Lets the main loop run for @ms milliseconds. */

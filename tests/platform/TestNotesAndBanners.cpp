@@ -103,7 +103,7 @@ TEST (ConfirmationNote, AnswersGtkDialogRun)
             if (!gtk_widget_get_mapped (w))
                 return TRUE;
             flush_events ();
-            PointerDriver::tap (w, w->allocation.width / 2, w->allocation.height / 2);
+            PointerDriver::tap_centre (w);
             return FALSE;
         }, button);
         EXPECT_EQ (gtk_dialog_run (GTK_DIALOG (note)), response);
@@ -124,16 +124,11 @@ TEST (WizardDialog, ButtonsFollowThePages)
     GtkWidget *wizard = kivo_wizard_dialog_new (nullptr, "Welcome", GTK_NOTEBOOK (notebook));
     gtk_widget_show_all (wizard);
     KivoWizardDialog *w = KIVO_WIZARD_DIALOG (wizard);
-    struct Step {
-        gint response; /* GTK_RESPONSE_NONE: the first page as it opens */
-        int page;
-        bool previous, next, finish;
-    };
+    /* response: GTK_RESPONSE_NONE for the first page as it opens */
+    struct Step { gint response; int page; bool previous, next, finish; };
     const Step steps[] = {
-        { GTK_RESPONSE_NONE, 0, false, true, false },
-        { KIVO_WIZARD_DIALOG_NEXT, 1, true, true, false },
-        { KIVO_WIZARD_DIALOG_NEXT, 2, true, false, true },
-        { KIVO_WIZARD_DIALOG_PREVIOUS, 1, true, true, false },
+        { GTK_RESPONSE_NONE, 0, false, true, false }, { KIVO_WIZARD_DIALOG_NEXT, 1, true, true, false },
+        { KIVO_WIZARD_DIALOG_NEXT, 2, true, false, true }, { KIVO_WIZARD_DIALOG_PREVIOUS, 1, true, true, false },
     };
     for (const Step &s : steps) {
         if (s.response != GTK_RESPONSE_NONE)

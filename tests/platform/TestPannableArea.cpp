@@ -164,11 +164,7 @@ TEST (PannableArea, DrivesChildrenThatScrollThemselves)
     GtkWidget *window = make_test_window (300, 200, area);
 
     ASSERT_GT (v->upper, v->page_size);
-    struct Case {
-        const char *label;
-        int y;
-        double expected;
-    };
+    struct Case { const char *label; int y; double expected; };
     for (const Case &c : { Case { "inside the range", 120, 120 }, Case { "clamped to the end", 1000000, v->upper - v->page_size },
                            Case { "-1 leaves it alone", -1, v->upper - v->page_size } }) {
         kivo_pannable_area_scroll_to (KIVO_PANNABLE_AREA (area), -1, c.y);
@@ -212,11 +208,7 @@ TEST (PannableArea, ScrollToChildBringsItIntoView)
     REQUIRE_DISPLAY ();
     PanFixture f;
     GtkAdjustment *v = f.vadjustment ();
-    struct Case {
-        const char *label;
-        int row;
-        double expected;
-    };
+    struct Case { const char *label; int row; double expected; };
     const Case cases[] = {
         { "a row below the view ends up at its bottom", 10, 11 * kRowHeight - v->page_size },
         { "a row already in view does not move it", 9, 11 * kRowHeight - v->page_size },

@@ -36,12 +36,7 @@ const char *value_of (GtkWidget *button) { return kivo_button_get_value (KIVO_BU
 TEST (KivoButton, IsAtLeastFingerOrThumbHigh)
 {
     REQUIRE_DISPLAY ();
-    struct Case {
-        KivoSizeType size;
-        KivoButtonArrangement arrangement;
-        const char *value;
-        int min_height;
-    };
+    struct Case { KivoSizeType size; KivoButtonArrangement arrangement; const char *value; int min_height; };
     for (const Case &c : { Case { KIVO_SIZE_FINGER_HEIGHT, KIVO_BUTTON_ARRANGEMENT_VERTICAL, "None", KIVO_FINGER_HEIGHT },
                            Case { KIVO_SIZE_THUMB_HEIGHT, KIVO_BUTTON_ARRANGEMENT_HORIZONTAL, "Chime", KIVO_THUMB_HEIGHT },
                            Case { KIVO_SIZE_FINGER_HEIGHT, KIVO_BUTTON_ARRANGEMENT_VERTICAL, nullptr, KIVO_FINGER_HEIGHT } }) {
@@ -129,12 +124,8 @@ TEST (DateButton, KeepsValidDatesInTheSupportedYears)
     KivoDateButton *date = KIVO_DATE_BUTTON (button.widget);
     int changes = 0;
     count_signal (button.widget, "value-changed", &changes);
-    struct Case {
-        const char *label;
-        guint year, month, day;
-        const char *critical; /* NULL: accepted */
-        const char *value;
-    };
+    /* critical: NULL when the date is accepted */
+    struct Case { const char *label; guint year, month, day; const char *critical; const char *value; };
     const Case cases[] = {
         { "first supported day", 1970, 0, 1, nullptr, "Thu 1 Jan 1970" },
         { "last supported day", 2037, 11, 31, nullptr, "Thu 31 Dec 2037" },
@@ -217,10 +208,8 @@ TEST (TouchSelector, SelectedRowsLineUpInTheMiddle)
             gdk_window_get_origin (selector->window, &ax, &ay);
             middles += std::to_string (by + row.y + row.height / 2 - ay - selector->allocation.y) + " ";
         }
-        const int middle = selector->allocation.height / 2;
-        EXPECT_EQ (middles, std::string (3, ' ').replace (0, 3, "") + std::to_string (middle) + " " +
-                                std::to_string (middle) + " " + std::to_string (middle) + " ")
-            << day << "/" << month << "/" << year;
+        const std::string middle = std::to_string (selector->allocation.height / 2) + " ";
+        EXPECT_EQ (middles, middle + middle + middle) << day << "/" << month << "/" << year;
     }
     gtk_widget_destroy (window);
 }
@@ -261,21 +250,13 @@ TEST (KivoEntry, MaximumLengthReportsInvalidInput)
     REQUIRE_DISPLAY ();
     Owned entry (kivo_entry_new (KIVO_SIZE_FINGER_HEIGHT));
     gtk_entry_set_max_length (GTK_ENTRY (entry.widget), 5);
-    struct Seen {
-        int count = 0;
-        KivoInvalidInputType type = KIVO_INVALID_INPUT_MODE_RESTRICTION;
-    } seen;
+    struct Seen { int count = 0; KivoInvalidInputType type = KIVO_INVALID_INPUT_MODE_RESTRICTION; } seen;
     /* The editors connect with the underscore spelling. */
     g_signal_connect (entry.widget, "invalid_input", G_CALLBACK (+[] (KivoEntry *, KivoInvalidInputType type, gpointer d) {
         static_cast<Seen *> (d)->count++;
         static_cast<Seen *> (d)->type = type;
     }), &seen);
-    struct Case {
-        const char *label;
-        const char *before, *insert;
-        int count;
-        const char *text;
-    };
+    struct Case { const char *label; const char *before, *insert; int count; const char *text; };
     for (const Case &c : { Case { "fits", "", "abc", 0, "abc" }, Case { "fills it exactly", "abc", "de", 0, "abcde" },
                            Case { "one too many", "abcde", "f", 1, "abcde" },
                            Case { "a long paste is cut at a character", "", "\303\244bcdefgh", 1, "\303\244bcde" } }) {
@@ -318,10 +299,7 @@ TEST (KivoTextView, MaximumLengthCutsAndReports)
 TEST (IconSizes, NamedSizesFitATouchScreen)
 {
     REQUIRE_DISPLAY ();
-    struct Case {
-        const char *name;
-        int pixels;
-    };
+    struct Case { const char *name; int pixels; };
     for (const Case &c : { Case { "kivo-xsmall", 16 }, Case { "kivo-small", 24 }, Case { "kivo-stylus", 32 },
                            Case { "kivo-finger", 48 }, Case { "kivo-thumb", 64 }, Case { "kivo-large", 96 },
                            Case { "no-such-size", 0 } }) {

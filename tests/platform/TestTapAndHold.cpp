@@ -104,11 +104,7 @@ TEST (TapAndHold, TheContextMenuKeyFires)
     REQUIRE_DISPLAY ();
     HoldFixture f;
     gtk_widget_grab_focus (f.target);
-    struct Case {
-        guint keyval;
-        GdkModifierType modifiers;
-        int holds;
-    };
+    struct Case { guint keyval; GdkModifierType modifiers; int holds; };
     for (const Case &c : { Case { GDK_Menu, GdkModifierType (0), 1 }, Case { GDK_F10, GDK_SHIFT_MASK, 2 },
                            Case { GDK_a, GdkModifierType (0), 2 } /* other keys pass */ }) {
         ASSERT_TRUE (gdk_test_simulate_key (f.window->window, 10, 10, c.keyval, c.modifiers, GDK_KEY_PRESS));
@@ -126,11 +122,7 @@ TEST (TapAndHold, AMenuUnderTheFingerIgnoresItsLift)
      * held lifts on an item long after the menu came up and chooses
      * nothing; a deliberate tap then does. With no internals the given
      * menu stays shut. */
-    struct Case {
-        const char *label;
-        bool popped_by_handler;
-        guint button;
-    };
+    struct Case { const char *label; bool popped_by_handler; guint button; };
     for (const Case &c : { Case { "internal menu, held first button", false, 1 },
                            Case { "handler's menu, held first button", true, 1 },
                            Case { "handler's menu, right button", true, 3 } }) {
