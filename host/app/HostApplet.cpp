@@ -1,4 +1,5 @@
 #include "HostApplet.h"
+#include "HostScreenshot.h"
 
 #include <calendarui.h>
 
@@ -115,13 +116,7 @@ void on_zone_changed_cb (GFileMonitor *, GFile *, GFile *, GFileMonitorEvent eve
 
 void flush ()
 {
-    for (int i = 0; i < 5; ++i) {
-        while (gtk_events_pending ()) {
-            gtk_main_iteration_do (FALSE);
-        }
-        gdk_flush ();
-        g_usleep (20000);
-    }
+    settle_screen (5);
 }
 
 }  // namespace

@@ -1,4 +1,5 @@
 #include "HostEditor.h"
+#include "HostScreenshot.h"
 
 #include <calendarui.h>
 
@@ -163,13 +164,7 @@ namespace {
 
 void flush ()
 {
-    for (int i = 0; i < 5; ++i) {
-        while (gtk_events_pending ()) {
-            gtk_main_iteration_do (FALSE);
-        }
-        gdk_flush ();
-        g_usleep (20000);
-    }
+    settle_screen (5);
 }
 
 GtkWidget *find_named (GtkWidget *widget, const char *name)

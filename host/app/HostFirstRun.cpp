@@ -1,5 +1,6 @@
 /* The import dialog and the first-run wizard over tav-calendar's window. */
 #include "HostImport.h"
+#include "HostScreenshot.h"
 #include "HostWindow.h"
 
 #include <calendarui.h>
@@ -92,13 +93,7 @@ namespace {
 
 void settle ()
 {
-    for (int i = 0; i < 15; ++i) {
-        while (gtk_events_pending ()) {
-            gtk_main_iteration_do (FALSE);
-        }
-        gdk_flush ();
-        g_usleep (20000);
-    }
+    settle_screen (15);
 }
 
 /* @dialog filling the 800x480 screen, saved as DIR/NAME.png. */

@@ -1,4 +1,5 @@
 #include "HostWindow.h"
+#include "HostScreenshot.h"
 
 #include "HostEditor.h"
 #include "HostLists.h"
@@ -456,17 +457,22 @@ GtkWidget *App::open_editor (TavCalendarEntry *entry, const TavDate *date, const
 
 /* Screenshots ------------------------------------------------------------------------ */
 
-namespace {
-
-void flush ()
+void settle_screen (int rounds)
 {
-    for (int i = 0; i < 15; ++i) {
+    for (int i = 0; i < rounds; ++i) {
         while (gtk_events_pending ()) {
             gtk_main_iteration_do (FALSE);
         }
         gdk_flush ();
         g_usleep (20000);
     }
+}
+
+namespace {
+
+void flush ()
+{
+    settle_screen (15);
 }
 
 /* What is on screen where the main window (or @target) is: with no window
