@@ -36,6 +36,8 @@
 #include "calendarui/TavDateSelectionWindow.h"
 #include "calendarui/TavCalendarWindow.h"
 #include "calendarui/TavCalendarImportDialog.h"
+#include "calendarui/TavCalendarListDialog.h"
+#include "calendarui/TavCalendarEditDialog.h"
 #include "calendarui/TavCalendarFirstRunWizard.h"
 
 #endif /* CALENDARUI_H */

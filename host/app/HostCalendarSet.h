@@ -20,6 +20,7 @@ public:
     void reload ();
 
     Store &store () { return *m_store; }
+    const std::shared_ptr<Store> &shared_store () const { return m_store; }
     TavHostCalendarSource *source (int64_t calendar_id) const;
     /* The first calendar that accepts writes, NULL when there is none. */
     TavHostCalendarSource *first_writable () const;

@@ -89,20 +89,12 @@ GtkWidget *App::open_first_run_wizard ()
 
 namespace tav::host {
 
-namespace {
-
-void settle ()
-{
-    settle_screen (15);
-}
-
-/* @dialog filling the 800x480 screen, saved as DIR/NAME.png. */
 bool save_dialog (GtkWidget *dialog, const std::string &dir, const char *name)
 {
     gtk_window_move (GTK_WINDOW (dialog), 0, 0);
     gtk_widget_set_size_request (dialog, 800, 480);
     gtk_widget_show (dialog);
-    settle ();
+    settle_screen (15);
     int x = 0, y = 0;
     gdk_window_get_origin (dialog->window, &x, &y);
     GdkPixbuf *shot = gdk_pixbuf_get_from_drawable (nullptr, gdk_get_default_root_window (), nullptr, x, y, 0, 0,
@@ -121,8 +113,6 @@ bool save_dialog (GtkWidget *dialog, const std::string &dir, const char *name)
     }
     return saved;
 }
-
-}  // namespace
 
 int render_import (App &app, const std::string &dir)
 {

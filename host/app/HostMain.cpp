@@ -355,6 +355,7 @@ int main (int argc, char **argv)
             shot = shot ? shot : render_applet (app, opt.screenshot);
             shot = shot ? shot : render_editors (*app.calendars, focus, opt.screenshot);
             shot = shot ? shot : render_import (app, opt.screenshot);
+            shot = shot ? shot : render_calendar_dialogs (app, opt.screenshot);
             status = status ? status : shot;
         } else if (opt.applet) {
             run_applet (app);

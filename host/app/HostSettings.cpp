@@ -185,6 +185,7 @@ namespace {
 struct DialogContext {
     SettingsFile *file;
     std::function<void (const Settings &)> on_saved;
+    std::function<void (GtkWidget *)> on_edit_calendars;
 };
 
 void on_settings_save_clicked_cb (GtkWidget *dialog, gpointer data)
@@ -205,15 +206,19 @@ void on_settings_save_clicked_cb (GtkWidget *dialog, gpointer data)
     gtk_widget_destroy (dialog);
 }
 
-void on_settings_edit_clicked_cb (GtkWidget *dialog, gpointer)
+void on_settings_edit_clicked_cb (GtkWidget *dialog, gpointer data)
 {
-    tav_show_info_banner (dialog, "The list of calendars is not part of this build yet");
+    auto *context = static_cast<DialogContext *> (data);
+    if (context->on_edit_calendars) {
+        context->on_edit_calendars (dialog);
+    }
 }
 
 }  // namespace
 
 GtkWidget *open_settings_dialog (SettingsFile &file, int visible_calendars, GtkWindow *parent,
-                                 std::function<void (const Settings &)> on_saved)
+                                 std::function<void (const Settings &)> on_saved,
+                                 std::function<void (GtkWidget *)> on_edit_calendars)
 {
     GtkWidget *dialog = tav_calendar_settings_dialog_new ();
     if (parent) {
@@ -221,11 +226,11 @@ GtkWidget *open_settings_dialog (SettingsFile &file, int visible_calendars, GtkW
     }
     settings_to_dialog (file.values, dialog);
     g_object_set (dialog, "num-visible-calendars", visible_calendars, nullptr);
-    auto *context = new DialogContext {&file, std::move (on_saved)};
+    auto *context = new DialogContext {&file, std::move (on_saved), std::move (on_edit_calendars)};
     g_signal_connect_data (dialog, "save-clicked", G_CALLBACK (on_settings_save_clicked_cb), context,
                            [] (gpointer data, GClosure *) { delete static_cast<DialogContext *> (data); },
                            GConnectFlags (0));
-    g_signal_connect (dialog, "edit-clicked", G_CALLBACK (on_settings_edit_clicked_cb), nullptr);
+    g_signal_connect (dialog, "edit-clicked", G_CALLBACK (on_settings_edit_clicked_cb), context);
     return dialog;
 }
 

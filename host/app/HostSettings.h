@@ -68,9 +68,11 @@ private:
 /* Opens the settings dialog over @parent (may be NULL) filled from @file.
  * On Save the dialog's values are stored in @file and written; when that
  * works @on_saved gets them and the dialog closes, when it fails the user is
- * told and the dialog stays open with the choices made. Returns the dialog. */
+ * told and the dialog stays open with the choices made. Its calendars row
+ * calls @on_edit_calendars with the dialog. Returns the dialog. */
 GtkWidget *open_settings_dialog (SettingsFile &file, int visible_calendars, GtkWindow *parent,
-                                 std::function<void (const Settings &)> on_saved);
+                                 std::function<void (const Settings &)> on_saved,
+                                 std::function<void (GtkWidget *)> on_edit_calendars = {});
 
 /* Fills @dialog with @values. */
 void settings_to_dialog (const Settings &values, GtkWidget *dialog);

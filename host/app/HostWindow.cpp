@@ -272,6 +272,8 @@ void App::build ()
     g_signal_connect (window, "settings-activated", G_CALLBACK (on_settings_cb), this);
     g_signal_connect_swapped (tav_calendar_window_add_menu_item (window, "Import calendar file"), "clicked",
                               G_CALLBACK (+[] (App *app) { app->open_import (); }), this);
+    g_signal_connect_swapped (tav_calendar_window_add_menu_item (window, "Calendars"), "clicked",
+                              G_CALLBACK (+[] (App *app) { app->open_calendar_list (); }), this);
     apply_settings ();
 }
 
@@ -310,7 +312,7 @@ GtkWidget *App::open_settings ()
         apply_settings ();
         /* The views read again with the new week start and done tasks. */
         tav_calendar_window_read_database (window);
-    });
+    }, [this] (GtkWidget *dialog) { open_calendar_list (GTK_WINDOW (dialog)); });
 }
 
 App::~App ()

@@ -39,6 +39,9 @@ struct App {
     /* Opens the first-run wizard over the window: its Finish stores the
      * choices with first boot cleared and shows the chosen view. */
     GtkWidget *open_first_run_wizard ();
+    /* Opens the calendar list over @parent (or the window): what it changes
+     * is stored at once and the views read again. */
+    GtkWidget *open_calendar_list (GtkWindow *parent = nullptr);
     int visible_calendars () const;
     /* Shows view @name on the focus date; false when it is not in the build. */
     bool show (const std::string &name);
@@ -57,6 +60,9 @@ struct App {
 /* Renders every view and window at 800x480 to DIR/<name>.png (the paths
  * printed on standard output); 0 on success. */
 int render_views (App &app, const std::string &dir);
+/* The calendar list and the edit dialog of its first calendar, to
+ * DIR/calendars.png and DIR/calendar-edit.png; 0 on success. */
+int render_calendar_dialogs (App &app, const std::string &dir);
 
 }  // namespace tav::host
 
