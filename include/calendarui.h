@@ -38,6 +38,7 @@
 #include "calendarui/TavCalendarImportDialog.h"
 #include "calendarui/TavCalendarListDialog.h"
 #include "calendarui/TavCalendarEditDialog.h"
+#include "calendarui/TavCalendarBirthdayWindow.h"
 #include "calendarui/TavCalendarFirstRunWizard.h"
 
 #endif /* CALENDARUI_H */

@@ -42,6 +42,12 @@ struct App {
     /* Opens the calendar list over @parent (or the window): what it changes
      * is stored at once and the views read again. */
     GtkWidget *open_calendar_list (GtkWindow *parent = nullptr);
+    /* Opens the birthday window over @parent (or the window), for the
+     * calendar titled "Birthdays" (added when there is none). */
+    GtkWidget *open_birthday (GtkWindow *parent = nullptr);
+    /* The source of the calendar titled "Birthdays", added when missing;
+     * NULL when the store refused to add it. */
+    TavCalendarSource *birthdays_calendar ();
     int visible_calendars () const;
     /* Shows view @name on the focus date; false when it is not in the build. */
     bool show (const std::string &name);
@@ -60,8 +66,9 @@ struct App {
 /* Renders every view and window at 800x480 to DIR/<name>.png (the paths
  * printed on standard output); 0 on success. */
 int render_views (App &app, const std::string &dir);
-/* The calendar list and the edit dialog of its first calendar, to
- * DIR/calendars.png and DIR/calendar-edit.png; 0 on success. */
+/* The birthday window, the calendar list and the edit dialog of its first
+ * calendar, to DIR/birthday.png, DIR/calendars.png and
+ * DIR/calendar-edit.png; 0 on success. */
 int render_calendar_dialogs (App &app, const std::string &dir);
 
 }  // namespace tav::host

@@ -440,6 +440,14 @@ void record_from_entry (TavCalendarEntry *entry, EntryRecord &r)
     }
     /* A complex rule cannot be edited through the entry: the stored one stays. */
     r.repeat_code = r.kind == EntryKind::Event ? code : TavCalendarRepeatsNoRepeat;
+    /* A birthday on 29 February comes back on the last day of February,
+     * the 28th in common years, where a plain yearly rule would skip them. */
+    if (r.has_birthday && code == TavCalendarRepeatsEveryYear) {
+        const CivilFields f = civil_fields (r.start);
+        if (f.month == 2 && f.day == 29) {
+            r.rrule = "FREQ=YEARLY;BYMONTH=2;BYMONTHDAY=-1";
+        }
+    }
 
     g_free (title);
     g_free (description);

@@ -12,6 +12,7 @@
 #include "TavAlarmToneButton.h"
 #include "TavCalendarDialog.h"
 #include "TavColorButton.h"
+#include "TavEditorSupport.h"
 #include "TavGPtr.h"
 #include "TavHelper.h"
 #include "TavIntl.h"
@@ -20,9 +21,6 @@
 #include <string>
 
 namespace {
-
-/* Longest title a calendar may take, in characters. */
-constexpr glong kMaxTitleChars = 256;
 
 /* The properties Save writes, to put back when the source refuses them. */
 struct Values {
@@ -97,27 +95,6 @@ show_error (TavCalendarEditDialog *dialog, const std::string &message)
         gtk_widget_hide (priv->error_label);
     else
         gtk_widget_show (priv->error_label);
-}
-
-/* The trimmed title, or the reason it cannot be a calendar's. */
-static bool
-checked_title (const char *typed, std::string *title, std::string *reason)
-{
-    if (!typed || !g_utf8_validate (typed, -1, nullptr)) {
-        *reason = TAV_CAL ("cal_ib_calendar_title_invalid");
-        return false;
-    }
-    tav::GCharPtr copy (g_strstrip (g_strdup (typed)));
-    if (!*copy) {
-        *reason = TAV_CAL ("cal_ib_calendar_title_empty");
-        return false;
-    }
-    if (g_utf8_strlen (copy.get (), -1) > kMaxTitleChars) {
-        *reason = TAV_CAL ("cal_ib_calendar_title_too_long");
-        return false;
-    }
-    *title = copy.get ();
-    return true;
 }
 
 static void
@@ -244,8 +221,9 @@ tav_calendar_edit_dialog_apply (TavCalendarEditDialog *dialog)
     TavCalendarSource *source = priv->source.get ();
     std::string reason;
     Values wanted;
-    if (!checked_title (priv->title_invalid ? nullptr : kivo_entry_get_text (KIVO_ENTRY (priv->title_entry)),
-                        &wanted.title, &reason)) {
+    if (!tav::editor::checked_name (priv->title_invalid ? nullptr : kivo_entry_get_text (KIVO_ENTRY (priv->title_entry)),
+                                    "cal_ib_calendar_title_empty", "cal_ib_calendar_title_too_long", &wanted.title,
+                                    &reason)) {
         show_error (dialog, reason);
         return FALSE;
     }

@@ -1,5 +1,6 @@
 /* libcalendarui - pieces the event, task and note editors share */
 #include "TavEditorSupport.h"
+#include "TavIntl.h"
 
 #include "KivoButton.h"
 #include "KivoDateButton.h"
@@ -195,6 +196,27 @@ void report_error (TavCalendarDialog *dialog, int code)
 {
     GCharPtr text (tav_calendar_get_error_string (static_cast<CalendarUiErrorCode> (code)));
     g_signal_emit_by_name (dialog, "error", text.get ());
+}
+
+bool checked_name (const char *typed, const char *empty_msgid, const char *long_msgid, std::string *name,
+                   std::string *reason)
+{
+    constexpr glong kMaxChars = 256;
+    if (!typed || !g_utf8_validate (typed, -1, nullptr)) {
+        *reason = TAV_CAL ("cal_ib_calendar_title_invalid");
+        return false;
+    }
+    const std::string trimmed = stripped (typed);
+    if (trimmed.empty ()) {
+        *reason = TAV_CAL (empty_msgid);
+        return false;
+    }
+    if (g_utf8_strlen (trimmed.c_str (), -1) > kMaxChars) {
+        *reason = TAV_CAL (long_msgid);
+        return false;
+    }
+    *name = trimmed;
+    return true;
 }
 
 }  // namespace tav::editor

@@ -91,6 +91,13 @@ private:
 /* Emits the dialog's "error" with the text of @code. */
 void report_error (TavCalendarDialog *dialog, int code);
 
+/* A name typed for a calendar or a person, trimmed: false, with the
+ * message to show in @reason, when it is NULL (text that was not UTF-8),
+ * empty, or longer than 256 characters. @empty_msgid and @long_msgid name
+ * the messages for those two cases. */
+bool checked_name (const char *typed, const char *empty_msgid, const char *long_msgid, std::string *name,
+                   std::string *reason);
+
 }  // namespace tav::editor
 
 #endif /* TAV_EDITOR_SUPPORT_H */

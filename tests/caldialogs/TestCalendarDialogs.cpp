@@ -209,3 +209,56 @@ TEST (CalendarList, NewMakesACalendarThroughTheHost)
     EXPECT_EQ (tav_calendar_source_get_id (tav_calendar_list_dialog_get_selected (list)), trips.id);
     gtk_widget_destroy (GTK_WIDGET (list));
 }
+
+TEST (BirthdayWindow, BornOn29FebruaryShowsOnTheLastDayOfFebruaryEveryYear)
+{
+    REQUIRE_XTEST ();
+    Fixture f ({ { calendar_named ("Personal"), 0 } });
+    GtkWidget *window = f.app.open_birthday ();
+    ASSERT_NE (window, nullptr);
+    ASSERT_TRUE (wait_mapped (window));
+    TavCalendarBirthdayWindow *birthday = TAV_CALENDAR_BIRTHDAY_WINDOW (window);
+    const TavDate born = {1996, 1, 29};
+    tav_calendar_birthday_window_set_values (birthday, "  ", &born, TRUE);
+    EXPECT_FALSE (tav_calendar_birthday_window_save (birthday));
+    EXPECT_STREQ (tav_calendar_birthday_window_get_error (birthday), "Enter the name of the person.");
+    tav_calendar_birthday_window_set_values (birthday, "Maria", &born, TRUE);
+    tap_middle (button_labelled (window, "Save"));
+    EXPECT_EQ (shown_window (tav_calendar_birthday_window_get_type ()), nullptr) << "Save closed the window";
+
+    CalendarRecord birthdays;
+    ASSERT_TRUE (f.store ().find_calendar_by_title ("Birthdays", &birthdays)) << "made for the first birthday";
+    const std::vector<EntryRecord> stored = f.store ().entries_of_calendar (birthdays.id);
+    ASSERT_EQ (stored.size (), 1u);
+    EXPECT_TRUE (stored[0].has_birthday && stored[0].all_day);
+    EXPECT_EQ (stored[0].birth_year, 1996);
+    const struct {
+        TavDate day;
+        guint shown;
+    } days[] = {
+        { {2027, 1, 27}, 0 }, { {2027, 1, 28}, 1 }, { {2027, 2, 1}, 0 },
+        { {2028, 1, 28}, 0 }, { {2028, 1, 29}, 1 },
+    };
+    for (const auto &d : days) {
+        GList *read = f.app.calendars->read_interval ({d.day, d.day});
+        EXPECT_EQ (g_list_length (read), d.shown) << d.day.year << "-" << d.day.month + 1 << "-" << d.day.day;
+        g_list_free_full (read, g_object_unref);
+    }
+}
+
+TEST (CalendarList, TheSettingsCalendarsRowOpensItOverTheSettings)
+{
+    REQUIRE_XTEST ();
+    Fixture f ({ { calendar_named ("Personal"), 0 } });
+    SettingsFile file (f.dir.file ("settings.ini"));
+    f.app.settings = &file;
+    GtkWidget *settings = f.app.open_settings ();
+    ASSERT_NE (settings, nullptr);
+    g_signal_emit_by_name (settings, "edit-clicked");
+    GtkWidget *list = shown_window (tav_calendar_list_dialog_get_type ());
+    ASSERT_NE (list, nullptr);
+    EXPECT_EQ (gtk_window_get_transient_for (GTK_WINDOW (list)), GTK_WINDOW (settings));
+    EXPECT_EQ (tav_calendar_list_dialog_get_count (TAV_CALENDAR_LIST_DIALOG (list)), 1);
+    gtk_widget_destroy (list);
+    gtk_widget_destroy (settings);
+}
