@@ -19,9 +19,12 @@ export PKG_CONFIG_PATH=$root/pc
 cflags=$(pkg-config --cflags libcalendarui)
 libs=$(pkg-config --libs libcalendarui)
 
-# A sanitizer build's library needs a host built the same way.
+# A sanitizer build's library needs a host built the same way. (Outputs are
+# captured before grepping: with pipefail, `grep -q` closing the pipe early
+# could fail the writer with SIGPIPE and the test with it.)
 sanitize=""
-if ldd "$build/src/libcalendarui.so.0" | grep -q libasan; then
+deps=$(ldd "$build/src/libcalendarui.so.0")
+if grep -q libasan <<<"$deps"; then
   sanitize="-fsanitize=address,undefined"
 fi
 # GTK 2 headers use GLib names that newer GLib marks deprecated.
@@ -30,8 +33,9 @@ libdir=$(dirname "$(find "$root" -name 'libcalendarui.so.0' | head -n1)")
 LD_LIBRARY_PATH=$libdir "$root/host"
 
 # The soname is what a host records.
-readelf -d "$libdir/libcalendarui.so.0" | grep -q 'SONAME.*\[libcalendarui.so.0\]'
+dynamic=$(readelf -d "$libdir/libcalendarui.so.0")
+grep -q 'SONAME.*\[libcalendarui.so.0\]' <<<"$dynamic"
 # Catalogues and icons are installed with it.
-find "$root" -name calendar.mo | grep -q .
-find "$root" -name 'calendar_colors_allday_green.png' | grep -q .
+test -n "$(find "$root" -name calendar.mo)"
+test -n "$(find "$root" -name 'calendar_colors_allday_green.png')"
 echo "installed tree OK"
