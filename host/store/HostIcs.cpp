@@ -740,6 +740,14 @@ bool to_record (icalcomponent *comp, const Item &item, const TimeReader &times, 
                 rec.rdate_ends.push_back (kNoRecurrenceId);
             }
         }
+        if (rec.all_day) {
+            /* An all-day entry repeats on days: a date-time among its
+             * exception or extra dates names the day it falls on, as its
+             * RECURRENCE-ID does. */
+            for (std::vector<int64_t> *days : { &rec.exdates, &rec.rdates }) {
+                std::transform (days->begin (), days->end (), days->begin (), civil_day_start);
+            }
+        }
         std::sort (rec.exdates.begin (), rec.exdates.end ());
         if (rec.is_exception ()) {
             /* An exception stands for one instance. */

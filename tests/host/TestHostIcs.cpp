@@ -105,7 +105,7 @@ TEST (HostIcs, PropertiesMapToTheModel)
     StoreFixture f;
     const std::string text = std::string (kHeader) +
         "BEGIN:VEVENT\r\nUID:allday\r\nDTSTART;VALUE=DATE:20240510\r\nDTEND;VALUE=DATE:20240513\r\nSUMMARY:Trip\\, long\r\n"
-        "END:VEVENT\r\n"
+        "RDATE:20240601T110000Z\r\nEND:VEVENT\r\n"
         "BEGIN:VEVENT\r\nUID:berlin\r\nDTSTART;TZID=Europe/Berlin:20240115T100000\r\nDURATION:PT90M\r\nSUMMARY:Call\r\n"
         "X-UNKNOWN;P=1:kept\r\nBEGIN:VALARM\r\nACTION:DISPLAY\r\nTRIGGER:-PT20M\r\nEND:VALARM\r\nEND:VEVENT\r\n"
         "BEGIN:VEVENT\r\nUID:weekly\r\nDTSTART:20240506T090000\r\nDTEND:20240506T100000\r\nRRULE:FREQ=WEEKLY;UNTIL=20240630T235959\r\n"
@@ -127,6 +127,9 @@ TEST (HostIcs, PropertiesMapToTheModel)
     EXPECT_EQ (e.title, "Trip, long");
     EXPECT_EQ (civil_to_string (e.start), "2024-05-10 00:00");
     EXPECT_EQ (civil_to_string (e.end), "2024-05-12 23:59") << "DTEND of a date is exclusive";
+    const std::vector<int64_t> trips = expand_instances (e, INT64_MIN, kUnbounded);
+    ASSERT_EQ (trips.size (), 2u);
+    EXPECT_EQ (civil_to_string (trips[1]), "2024-06-01 00:00") << "a date-time RDATE of an all-day event names a day";
 
     ASSERT_TRUE (f.store->find_entry_by_uid (f.calendar, "berlin", &e));
     EXPECT_EQ (civil_to_string (e.start), "2024-01-15 09:00") << "Berlin 10:00 is 09:00 UTC in winter";
