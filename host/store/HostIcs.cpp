@@ -428,6 +428,10 @@ std::string text_of (icalcomponent *c, icalproperty_kind kind)
             out += '\n';
         }
     }
+    /* libical drops the blanks a line ends with, but not those an escape
+     * such as an unknown "\y" turned into: trimmed here too, the value
+     * reads the same after an export and a new import. */
+    out.erase (out.find_last_not_of (" \t") + 1);
     return out;
 }
 
