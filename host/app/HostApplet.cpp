@@ -163,18 +163,11 @@ int render_applet (App &app, const std::string &dir)
         flush ();
         GdkPixbuf *shot = gtk_offscreen_window_get_pixbuf (GTK_OFFSCREEN_WINDOW (window));
         const std::string path = dir + (empty ? "/applet-empty.png" : "/applet.png");
-        GError *err = nullptr;
-        const bool saved = shot && gdk_pixbuf_save (shot, path.c_str (), "png", &err, nullptr);
-        if (shot) {
-            g_object_unref (shot);
-        }
+        const bool saved = save_shot (shot, path);
         gtk_widget_destroy (window);
         if (!saved) {
-            fprintf (stderr, "tav-calendar: cannot write '%s': %s\n", path.c_str (), err ? err->message : "no image");
-            g_clear_error (&err);
             return 1;
         }
-        printf ("%s\n", path.c_str ());
     }
     return 0;
 }

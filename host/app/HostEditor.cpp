@@ -216,17 +216,7 @@ int shoot (GtkWidget *window, const std::string &path, const char *pan_target = 
     int width = 0, height = 0;
     gdk_drawable_get_size (window->window, &width, &height);
     GdkPixbuf *shot = gdk_pixbuf_get_from_drawable (nullptr, window->window, nullptr, 0, 0, 0, 0, width, height);
-    GError *err = nullptr;
-    const bool ok = shot && gdk_pixbuf_save (shot, path.c_str (), "png", &err, nullptr);
-    if (!ok) {
-        fprintf (stderr, "tav-calendar: cannot write '%s': %s\n", path.c_str (), err ? err->message : "no image");
-        g_clear_error (&err);
-    } else {
-        printf ("%s\n", path.c_str ());
-    }
-    if (shot) {
-        g_object_unref (shot);
-    }
+    const bool ok = save_shot (shot, path);
     gtk_widget_destroy (window);
     return ok ? 0 : 1;
 }

@@ -99,7 +99,11 @@ bool save_dialog (GtkWidget *dialog, const std::string &dir, const char *name)
     gdk_window_get_origin (dialog->window, &x, &y);
     GdkPixbuf *shot = gdk_pixbuf_get_from_drawable (nullptr, gdk_get_default_root_window (), nullptr, x, y, 0, 0,
                                                     dialog->allocation.width, dialog->allocation.height);
-    const std::string path = dir + "/" + name + ".png";
+    return save_shot (shot, dir + "/" + name + ".png");
+}
+
+bool save_shot (GdkPixbuf *shot, const std::string &path)
+{
     GError *err = nullptr;
     const bool saved = shot && gdk_pixbuf_save (shot, path.c_str (), "png", &err, nullptr);
     if (!saved) {

@@ -17,6 +17,11 @@ void settle_screen (int rounds);
  * when it cannot be written. */
 bool save_dialog (GtkWidget *dialog, const std::string &dir, const char *name);
 
+/* Saves @shot (taken over; NULL when the screen could not be read) as the
+ * PNG file @path and prints the path on standard output; false, with the
+ * reason on standard error, when it cannot be written. */
+bool save_shot (GdkPixbuf *shot, const std::string &path);
+
 } // namespace tav::host
 
 #endif

@@ -490,19 +490,7 @@ bool save_screen (App &app, const std::string &dir, const std::string &name, Gtk
     gdk_window_get_origin (main->window, &x, &y);
     GdkPixbuf *shot = gdk_pixbuf_get_from_drawable (nullptr, gdk_get_default_root_window (), nullptr, x, y, 0, 0,
                                                     main->allocation.width, main->allocation.height);
-    const std::string path = dir + "/" + name + ".png";
-    GError *err = nullptr;
-    if (!shot || !gdk_pixbuf_save (shot, path.c_str (), "png", &err, nullptr)) {
-        fprintf (stderr, "tav-calendar: cannot write '%s': %s\n", path.c_str (), err ? err->message : "no image");
-        g_clear_error (&err);
-        if (shot) {
-            g_object_unref (shot);
-        }
-        return false;
-    }
-    g_object_unref (shot);
-    printf ("%s\n", path.c_str ());
-    return true;
+    return save_shot (shot, dir + "/" + name + ".png");
 }
 
 /* Closes every window above the main one, as the back button would. */

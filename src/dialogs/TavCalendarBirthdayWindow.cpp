@@ -47,13 +47,7 @@ G_DEFINE_TYPE_WITH_PRIVATE (TavCalendarBirthdayWindow, tav_calendar_birthday_win
 static void
 show_error (TavCalendarBirthdayWindow *window, const std::string &message)
 {
-    auto *priv = window->priv;
-    priv->error = message;
-    gtk_label_set_text (GTK_LABEL (priv->error_label), message.c_str ());
-    if (message.empty ())
-        gtk_widget_hide (priv->error_label);
-    else
-        gtk_widget_show (priv->error_label);
+    tav::editor::show_error_in (window->priv->error_label, &window->priv->error, message);
 }
 
 static void

@@ -88,13 +88,7 @@ G_DEFINE_TYPE_WITH_PRIVATE (TavCalendarEditDialog, tav_calendar_edit_dialog, TAV
 static void
 show_error (TavCalendarEditDialog *dialog, const std::string &message)
 {
-    auto *priv = dialog->priv;
-    priv->error = message;
-    gtk_label_set_text (GTK_LABEL (priv->error_label), message.c_str ());
-    if (message.empty ())
-        gtk_widget_hide (priv->error_label);
-    else
-        gtk_widget_show (priv->error_label);
+    tav::editor::show_error_in (dialog->priv->error_label, &dialog->priv->error, message);
 }
 
 static void

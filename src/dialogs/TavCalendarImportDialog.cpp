@@ -6,6 +6,7 @@
  * import itself to the host.
  */
 #include "TavCalendarImportDialog.h"
+#include "TavEditorSupport.h"
 
 #include "KivoButton.h"
 #include "KivoDialogs.h"
@@ -136,13 +137,7 @@ update_title_row (TavCalendarImportDialog *dialog)
 static void
 show_error (TavCalendarImportDialog *dialog, const std::string &message)
 {
-    auto *priv = dialog->priv;
-    priv->error = message;
-    gtk_label_set_text (GTK_LABEL (priv->error_label), message.c_str ());
-    if (message.empty ())
-        gtk_widget_hide (priv->error_label);
-    else
-        gtk_widget_show (priv->error_label);
+    tav::editor::show_error_in (dialog->priv->error_label, &dialog->priv->error, message);
 }
 
 static void

@@ -219,4 +219,14 @@ bool checked_name (const char *typed, const char *empty_msgid, const char *long_
     return true;
 }
 
+void show_error_in (GtkWidget *label, std::string *kept, const std::string &message)
+{
+    *kept = message;
+    gtk_label_set_text (GTK_LABEL (label), message.c_str ());
+    if (message.empty ())
+        gtk_widget_hide (label);
+    else
+        gtk_widget_show (label);
+}
+
 }  // namespace tav::editor

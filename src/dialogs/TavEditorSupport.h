@@ -98,6 +98,10 @@ void report_error (TavCalendarDialog *dialog, int code);
 bool checked_name (const char *typed, const char *empty_msgid, const char *long_msgid, std::string *name,
                    std::string *reason);
 
+/* Keeps @message in @kept and shows it in @label, which is hidden while
+ * there is nothing to say. */
+void show_error_in (GtkWidget *label, std::string *kept, const std::string &message);
+
 }  // namespace tav::editor
 
 #endif /* TAV_EDITOR_SUPPORT_H */
