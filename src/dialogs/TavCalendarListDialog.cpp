@@ -10,6 +10,7 @@
 #include "TavCalendarDialog.h"
 #include "TavCalendarEditDialog.h"
 #include "TavCalendarEnums.h"
+#include "TavEditorSupport.h"
 #include "TavGPtr.h"
 #include "TavHelper.h"
 #include "TavIntl.h"
@@ -23,19 +24,10 @@ enum { COL_SOURCE, COL_MARKER, COL_TEXT, COL_VISIBLE, N_COLS };
 
 constexpr int kMarkerSize = 32;
 
-std::string with_number (const char *msgid, long number)
-{
-    std::string text = TAV_CAL (msgid);
-    const auto at = text.find ("%d");
-    if (at != std::string::npos)
-        text.replace (at, 2, std::to_string (number));
-    return text;
-}
-
 std::string entries_text (int count)
 {
     return count == 1 ? std::string (TAV_CAL ("cal_va_calendar_one_entry"))
-                      : with_number ("cal_va_calendar_entries", count);
+                      : tav::editor::with_number (TAV_CAL ("cal_va_calendar_entries"), count);
 }
 
 } // namespace
@@ -368,12 +360,9 @@ tav_calendar_list_dialog_delete_selected (TavCalendarListDialog *dialog)
         tav_show_info_banner (GTK_WIDGET (dialog), TAV_CAL ("cal_ib_calendar_last_writable"));
         return nullptr;
     }
-    std::string question = TAV_CAL ("cal_nc_delete_calendar");
-    const auto at = question.find ("%s");
-    const char *title = tav_calendar_source_get_title (source);
-    if (at != std::string::npos)
-        question.replace (at, 2, title ? title : "");
-    question += "\n" + entries_text (tav_calendar_source_get_entry_count (source));
+    const std::string question =
+        tav::editor::with_title (TAV_CAL ("cal_nc_delete_calendar"), tav_calendar_source_get_title (source)) + "\n"
+        + entries_text (tav_calendar_source_get_entry_count (source));
     GtkWidget *note = kivo_note_new_confirmation (GTK_WINDOW (dialog), question.c_str ());
     g_object_set_data_full (G_OBJECT (note), "tav-source", g_object_ref (source), g_object_unref);
     g_signal_connect_object (note, "response", G_CALLBACK (on_delete_response_cb), dialog, GConnectFlags (0));

@@ -134,6 +134,15 @@ std::string with_title (const char *format, const char *title)
     return text;
 }
 
+std::string with_number (const char *format, long number)
+{
+    std::string text = format ? format : "";
+    const size_t at = text.find ("%d");
+    if (at != std::string::npos)
+        text.replace (at, 2, std::to_string (number));
+    return text;
+}
+
 void select_own_calendar (GtkWidget *button, TavCalendarEntry *entry)
 {
     TavCalendarSource *own = nullptr;

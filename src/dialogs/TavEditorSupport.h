@@ -57,6 +57,9 @@ bool confirm (TavCalendarDialog *dialog, const char *question);
  * it out); any other conversion is left as it stands. */
 std::string with_title (const char *format, const char *title);
 
+/* @format with its "%d" replaced by @number. */
+std::string with_number (const char *format, long number);
+
 /* After the calendars were added to an editor's calendar @button: chooses
  * the calendar of @entry (NULL for a new one), or when that is not listed
  * the first visible calendar. */

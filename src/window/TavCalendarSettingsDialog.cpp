@@ -8,6 +8,7 @@
 #include "KivoTouchSelector.h"
 #include "TavAlarmToneButton.h"
 #include "TavCalendarDialog.h"
+#include "TavEditorSupport.h"
 #include "TavEnumTypes.h"
 #include "TavGPtr.h"
 #include "TavHelper.h"
@@ -191,10 +192,8 @@ set_visible_calendars (TavCalendarSettingsDialog *dialog, int count)
 {
     dialog->priv->visible_calendars = count;
     const unsigned long n = count < 0 ? 0 : static_cast<unsigned long> (count);
-    std::string text = tav_dngettext (TAV_DOMAIN_CALENDAR, "cal_va_calendar_visible", "cal_va_calendars", n);
-    const auto at = text.find ("%d");
-    if (at != std::string::npos)
-        text.replace (at, 2, std::to_string (count));
+    const std::string text = tav::editor::with_number (
+        tav_dngettext (TAV_DOMAIN_CALENDAR, "cal_va_calendar_visible", "cal_va_calendars", n), count);
     kivo_button_set_value (KIVO_BUTTON (dialog->priv->calendars_button), text.c_str ());
 }
 
