@@ -23,6 +23,7 @@
 
 #include "TavCalendarEntry.h"
 #include "TavCalendarEnums.h"
+#include "TavGPtr.h"
 #include "TavCalendarProcessor.h"
 #include "TavCalendarTask.h"
 #include "TavDate.h"
@@ -256,12 +257,13 @@ template <class Row> void refresh_displayed_times (Row *r, int time_format, gboo
  * that does not load is tried once); a new reference or NULL. */
 inline GdkPixbuf *shared_icon (const char *path, int size)
 {
-    static std::map<std::pair<std::string, int>, GdkPixbuf *> cache;
+    /* The cache owns its references: they go with it when the process ends. */
+    static std::map<std::pair<std::string, int>, tav::GRefPtr<GdkPixbuf>> cache;
     auto key = std::make_pair (std::string (path), size);
     auto it = cache.find (key);
     if (it == cache.end ())
-        it = cache.emplace (key, tav_create_pixbuf (path, size, size)).first;
-    return it->second ? GDK_PIXBUF (g_object_ref (it->second)) : nullptr;
+        it = cache.emplace (key, tav::adoptGRef (tav_create_pixbuf (path, size, size))).first;
+    return it->second ? GDK_PIXBUF (g_object_ref (it->second.get ())) : nullptr;
 }
 
 /* What the lookups done while filling a list need at once: which dates
