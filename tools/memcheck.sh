@@ -35,12 +35,14 @@ run () {
   definite=$(grep -m1 'definitely lost:' "$log" | sed 's/.*definitely lost: \([0-9,]*\) bytes in \([0-9,]*\) blocks.*/\1 bytes in \2 blocks/')
   invalid=$(grep -c 'Invalid \(read\|write\|free\)' "$log")
   uninit=$(grep -c 'uninitialised\|Uninitialised' "$log")
-  # An error is ours when the first frame past the allocator (or, for a
-  # bad access, the faulting frame) lies in the library or the host.
+  # An error is ours when the first frame past the allocator and GLib's
+  # object machinery (or, for a bad access, the faulting frame) lies in the
+  # library or the host.
   ours=$(awk '
     / Invalid (read|write|free)| uninitialised|Uninitialised|definitely lost in loss record/ {open=1; next}
     open && /(at|by) 0x/ {
-      if ($0 ~ /: (malloc|calloc|realloc|operator new|g_malloc|g_malloc0|g_realloc|g_try_malloc|g_slice_alloc|g_slice_alloc0|g_strdup|g_strndup|g_memdup2|g_type_create_instance|g_object_new|g_object_new_valist|g_object_new_with_properties|g_object_newv) /) next
+      if ($0 ~ /: (malloc|calloc|realloc|operator new|g_malloc|g_malloc0|g_realloc|g_try_malloc|g_slice_alloc|g_slice_alloc0|g_strdup|g_strndup|g_memdup2|g_type_create_instance|g_object_new|g_object_new_valist|g_object_new_with_properties|g_object_newv|gdk_pixbuf_new|gdk_pixbuf_new_from_data) /) next
+      if ($0 ~ /\(in [^)]*lib(glib|gobject|gdk_pixbuf)-2\.0/) next
       if ($0 ~ /libcalendarui|tav-calendar|\((Tav|Kivo|Host)[A-Za-z]*\.cpp/) n++
       open=0
     }
