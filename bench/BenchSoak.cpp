@@ -1,7 +1,8 @@
 /* Soak: the calendar window over the host's store (the demo's month of
  * entries) opened and closed again and again; in every cycle each root
- * view, the day, task and note lists, the event, task and note editors and
- * the settings dialog are shown and closed. Prints the growth of the
+ * view, the day, task and note lists, the event, task and note editors,
+ * the settings, the calendar list, the birthday and the import dialogs are
+ * shown and closed. Prints the growth of the
  * resident set and of the live objects per type after a warm-up; both
  * should stay flat.
  * Needs X: xvfb-run -a build/bench/bench-soak [CYCLES]; SOAK_ONLY="week event"
@@ -110,6 +111,12 @@ void cycle (const std::shared_ptr<Store> &store, SettingsFile &settings, const T
         close_widget (app.edit_note (nullptr));
     if (want ("settings"))
         close_widget (app.open_settings ());
+    if (want ("calendars"))
+        close_widget (app.open_calendar_list ());
+    if (want ("birthday"))
+        close_widget (app.open_birthday ());
+    if (want ("import"))
+        close_widget (app.open_import ());
     settle ();
 }
 
