@@ -2,13 +2,9 @@
  * interval shows, taps and their thresholds with real pointer input, the
  * held-finger menu, multi-day rows, bad input, and the painted list. */
 
-#include "TestSupport.h"
 #include "../ViewTestSupport.h"
-#include "../../platform/PointerDriver.h"
-#include "TavAgendaViewInternal.h"
-#include "TavDayViewInternal.h"
+#include "ShownListView.h"
 #include "TavCalendarNote.h"
-#include "TavGPtr.h"
 
 #include <string>
 #include <vector>
@@ -19,71 +15,16 @@ namespace {
 
 constexpr TavDate kChosen { 2009, 2, 10 };
 
-std::string shape (AgendaEntryList *list)
+GtkWidget *agenda_on (const TavDate &date)
 {
-    std::string out;
-    for (int i = 0; i < agenda_entry_list_get_n_entry (list); i++) {
-        AgendaEntry *r = agenda_entry_list_get_agenda_entry (list, i);
-        out += r->entry ? tav_calendar_entry_get_title (r->entry) : r->is_button ? "+" : r->start_time.hour == 23 ? "N" : "H";
-        out += ' ';
-    }
-    return out;
-}
-
-std::string shape (DayEntryList *list)
-{
-    GdkRectangle rect;
-    if (day_entry_list_get_n_entry (list) > 0)
-        day_entry_list_get_cell_rect (list, 0, &rect);
-    std::string out;
-    for (int i = 0; i < day_entry_list_get_n_entry (list); i++) {
-        DayEntry *r = day_entry_list_get_day_entry (list, i);
-        out += r->entry ? tav_calendar_entry_get_title (r->entry) : r->is_button ? "+" : r->is_no_entries ? "N" : "H";
-        out += ' ';
-    }
-    return out;
+    GtkWidget *view = tav_agenda_view_new ();
+    tav_agenda_view_set_presented_interval_by_date (TAV_AGENDA_VIEW (view), &date);
+    return view;
 }
 
 /* An agenda view on 10 March 2009 in a shown window. */
-struct Fixture {
-    GtkWidget *window = nullptr;
-    TavAgendaView *view = nullptr;
-    std::vector<tav::GRefPtr<TavCalendarEntry>> entries;
-    std::vector<std::string> calls;
-
-    Fixture ()
-    {
-        view = TAV_AGENDA_VIEW (tav_agenda_view_new ());
-        tav_agenda_view_set_presented_interval_by_date (view, &kChosen);
-        window = make_test_window (480, 420, GTK_WIDGET (view));
-        run_main_loop_until ([&] { return GTK_WIDGET (view)->allocation.height == 420; }, 2000);
-        g_signal_connect (view, "entry-activated", G_CALLBACK (+[] (GtkWidget *, TavCalendarEntry *e, TavDate *d, Fixture *f) {
-                              f->calls.push_back (std::string ("entry ") + tav_calendar_entry_get_title (e) + " " +
-                                                  std::to_string (d->day));
-                          }), this);
-        g_signal_connect (view, "insert-activated", G_CALLBACK (+[] (GtkWidget *, TavDate *d, Fixture *f) {
-                              f->calls.push_back ("insert " + std::to_string (d->day));
-                          }), this);
-        g_signal_connect (view, "edit-entry-activated", G_CALLBACK (+[] (GtkWidget *, TavCalendarEntry *e, Fixture *f) {
-                              f->calls.push_back (std::string ("edit ") + tav_calendar_entry_get_title (e));
-                          }), this);
-        g_signal_connect (view, "delete-entry-activated", G_CALLBACK (+[] (GtkWidget *, TavCalendarEntry *e, Fixture *f) {
-                              f->calls.push_back (std::string ("delete ") + tav_calendar_entry_get_title (e));
-                          }), this);
-    }
-    ~Fixture ()
-    {
-        gtk_widget_destroy (window);
-        flush_events ();
-    }
-    TavCalendarEntry *add (TavCalendarEntry *e)
-    {
-        entries.push_back (tav::adoptGRef (e));
-        tav_calendar_view_add_entry (TAV_CALENDAR_VIEW (view), e);
-        tav_calendar_view_recalculate_entries (TAV_CALENDAR_VIEW (view));
-        flush_events ();
-        return e;
-    }
+struct Fixture : ShownListView<TavAgendaView> {
+    Fixture () : ShownListView (agenda_on (kChosen), 420) {}
     AgendaEntryList *list () const { return _tav_agenda_view_get_list (view); }
     /* The centre of the row showing @entry (or the button), in the view. */
     int row_y (TavCalendarEntry *entry) const
@@ -100,8 +41,7 @@ struct Fixture {
     }
     void scroll_to_top ()
     {
-        GtkAdjustment *adj = _tav_agenda_view_get_vadjustment (view);
-        gtk_adjustment_set_value (adj, 0);
+        gtk_adjustment_set_value (_tav_agenda_view_get_vadjustment (view), 0);
         flush_events ();
     }
 };

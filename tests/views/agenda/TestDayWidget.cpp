@@ -2,18 +2,11 @@
  * keys, refreshing an entry, next/previous status, the repeated jump,
  * the visible date, Delete from the held-finger menu, a background image. */
 
-#include "TestSupport.h"
 #include "../ViewTestSupport.h"
-#include "../../platform/PointerDriver.h"
-#include "TavAgendaViewInternal.h"
-#include "TavDayViewInternal.h"
-#include "TavGPtr.h"
+#include "ShownListView.h"
 #include "KivoPannableArea.h"
 
 #include <gdk/gdkkeysyms.h>
-
-#include <string>
-#include <vector>
 
 using namespace tav::test;
 
@@ -21,60 +14,7 @@ namespace {
 
 constexpr TavDate kDay { 2009, 2, 10 };
 
-template <class View> struct Shown {
-    GtkWidget *window = nullptr;
-    View *view = nullptr;
-    std::vector<tav::GRefPtr<TavCalendarEntry>> entries;
-    std::vector<std::string> calls;
-
-    explicit Shown (GtkWidget *widget, int height = 300)
-    {
-        view = reinterpret_cast<View *> (widget);
-        window = make_test_window (480, height, widget);
-        run_main_loop_until ([&] { return widget->allocation.height == height; }, 2000);
-        if (TAV_IS_DAY_VIEW (widget))
-            g_signal_connect (widget, "key-pressed", G_CALLBACK (+[] (GtkWidget *, guint key, Shown *s) {
-                                  s->calls.push_back ("key " + std::to_string (key));
-                              }), this);
-        g_signal_connect (widget, "delete-entry-activated", G_CALLBACK (+[] (GtkWidget *, TavCalendarEntry *e, Shown *s) {
-                              s->calls.push_back (std::string ("delete ") + tav_calendar_entry_get_title (e));
-                          }), this);
-    }
-    ~Shown ()
-    {
-        gtk_widget_destroy (window);
-        flush_events ();
-    }
-    TavCalendarEntry *add (TavCalendarEntry *e)
-    {
-        entries.push_back (tav::adoptGRef (e));
-        tav_calendar_view_add_entry (TAV_CALENDAR_VIEW (view), e);
-        tav_calendar_view_recalculate_entries (TAV_CALENDAR_VIEW (view));
-        flush_events ();
-        return e;
-    }
-    void key (guint keyval)
-    {
-        gtk_widget_grab_focus (GTK_WIDGET (view));
-        gdk_test_simulate_key (GTK_WIDGET (view)->window, -1, -1, keyval, GdkModifierType (0), GDK_KEY_PRESS);
-        gdk_test_simulate_key (GTK_WIDGET (view)->window, -1, -1, keyval, GdkModifierType (0), GDK_KEY_RELEASE);
-        flush_events ();
-    }
-};
-
-std::string titles (DayEntryList *list)
-{
-    GdkRectangle rect;
-    if (day_entry_list_get_n_entry (list) > 0)
-        day_entry_list_get_cell_rect (list, 0, &rect);
-    std::string out;
-    for (int i = 0; i < day_entry_list_get_n_entry (list); i++) {
-        DayEntry *r = day_entry_list_get_day_entry (list, i);
-        if (r->entry)
-            out += std::string (r->title) + ";";
-    }
-    return out;
-}
+template <class View> using Shown = ShownListView<View>;
 
 TEST (DayWidget, KeysScrollAndStepThroughTheOwner)
 {
@@ -104,21 +44,21 @@ TEST (DayWidget, RefreshKeepsOrMovesTheRows)
     TavCalendarEntry *a = s.add (make_entry ("Alpha", { 2009, 2, 10, 9, 0 }, { 2009, 2, 10, 10, 0 }));
     s.add (make_entry ("Beta", { 2009, 2, 10, 11, 0 }, { 2009, 2, 10, 12, 0 }));
     DayEntryList *list = _tav_day_view_get_list (s.view);
-    EXPECT_EQ (titles (list), "Alpha;Beta;");
+    EXPECT_EQ (shape (list), "H + Alpha Beta ");
 
     g_object_set (a, "title", "Gamma", NULL);
     EXPECT_TRUE (tav_calendar_view_refresh_entry (TAV_CALENDAR_VIEW (s.view), a));
-    EXPECT_EQ (titles (list), "Gamma;Beta;");
+    EXPECT_EQ (shape (list), "H + Gamma Beta ");
 
     TavTime later = { 13, 0 }, end = { 14, 0 };
     g_object_set (a, "start-time", &later, "end-time", &end, NULL);
     tav_calendar_view_refresh_entry (TAV_CALENDAR_VIEW (s.view), a);
-    EXPECT_EQ (titles (list), "Beta;Gamma;") << "a new time is a new place";
+    EXPECT_EQ (shape (list), "H + Beta Gamma ") << "a new time is a new place";
 
     TavDate other = { 2009, 2, 11 };
     g_object_set (a, "start-date", &other, "end-date", &other, NULL);
     tav_calendar_view_refresh_entry (TAV_CALENDAR_VIEW (s.view), a);
-    EXPECT_EQ (titles (list), "Beta;") << "moved to a day not shown";
+    EXPECT_EQ (shape (list), "H + Beta ") << "moved to a day not shown";
     EXPECT_EQ (day_entry_list_get_entries_count (list), 1);
 }
 
@@ -205,18 +145,11 @@ TEST (DayWidget, APannableAreaDrivesTheAgenda)
 {
     REQUIRE_XTEST ();
     GtkWidget *area = kivo_pannable_area_new ();
-    TavAgendaView *view = TAV_AGENDA_VIEW (tav_agenda_view_new ());
-    gtk_container_add (GTK_CONTAINER (area), GTK_WIDGET (view));
-    GtkWidget *window = make_test_window (480, 300, area);
-    run_main_loop_until ([&] { return GTK_WIDGET (view)->allocation.height == 300; }, 2000);
+    Shown<TavAgendaView> s (tav_agenda_view_new (), 300, area);
+    TavAgendaView *view = s.view;
     tav_agenda_view_set_presented_interval_by_date (view, &kDay);
-    std::vector<tav::GRefPtr<TavCalendarEntry>> keep;
-    for (int h = 8; h < 18; h++) {
-        keep.push_back (tav::adoptGRef (make_entry ("Slot", { 2009, 2, 10, h, 0 }, { 2009, 2, 10, h, 30 })));
-        tav_calendar_view_add_entry (TAV_CALENDAR_VIEW (view), keep.back ().get ());
-    }
-    tav_calendar_view_recalculate_entries (TAV_CALENDAR_VIEW (view));
-    flush_events ();
+    for (int h = 8; h < 18; h++)
+        s.add (make_entry ("Slot", { 2009, 2, 10, h, 0 }, { 2009, 2, 10, h, 30 }));
     GtkAdjustment *adj = kivo_pannable_area_get_vadjustment (KIVO_PANNABLE_AREA (area));
     ASSERT_EQ (_tav_agenda_view_get_vadjustment (view), adj);
     EXPECT_EQ (adj->upper, agenda_entry_list_get_height (_tav_agenda_view_get_list (view)));
@@ -232,8 +165,6 @@ TEST (DayWidget, APannableAreaDrivesTheAgenda)
     PointerDriver::tap (GTK_WIDGET (view), 200, 150);
     run_main_loop_until ([&] { return opened > 0; }, 1000);
     EXPECT_EQ (opened, 1);
-    gtk_widget_destroy (window);
-    flush_events ();
 }
 
 } // namespace
