@@ -48,9 +48,12 @@ struct Shown {
     View *view;
     MemorySourcePtr source { tav_memory_source_new ("Home", TavCalendarColorGreen, CalendarSourceTypeLocal) };
 
-    explicit Shown (GtkWidget *widget) : view (reinterpret_cast<View *> (widget))
+    /* @area, when given, holds the list and goes into the window in its place. */
+    explicit Shown (GtkWidget *widget, GtkWidget *area = nullptr) : view (reinterpret_cast<View *> (widget))
     {
-        window = make_test_window (600, 400, widget);
+        if (area)
+            gtk_container_add (GTK_CONTAINER (area), widget);
+        window = make_test_window (600, 400, area ? area : widget);
         run_main_loop_until ([&] { return widget->allocation.height > 300; }, 2000);
     }
     ~Shown ()
@@ -59,16 +62,42 @@ struct Shown {
         flush_events ();
     }
     GtkTreeView *tree () const { return GTK_TREE_VIEW (view); }
-    /* The centre of row @row in column @column. */
-    void tap (int row, int column)
+    GdkRectangle cell (int row, int column) const
     {
         GdkRectangle cell;
         GtkTreePath *path = gtk_tree_path_new_from_indices (row, -1);
         gtk_tree_view_get_cell_area (tree (), path, gtk_tree_view_get_column (tree (), column), &cell);
         gtk_tree_path_free (path);
-        PointerDriver::tap (GTK_WIDGET (view), cell.x + cell.width / 2, cell.y + cell.height / 2);
+        return cell;
+    }
+    /* A tap on the centre of row @row in column @column. */
+    void tap (int row, int column)
+    {
+        const GdkRectangle c = cell (row, column);
+        PointerDriver::tap (GTK_WIDGET (view), c.x + c.width / 2, c.y + c.height / 2);
+    }
+    /* Holds a finger on the text of row @row until @menu shows, then lifts it. */
+    void hold (int row, GtkWidget *menu)
+    {
+        const GdkRectangle c = cell (row, 1);
+        PointerDriver::move_to (GTK_WIDGET (view), c.x + 40, c.y + c.height / 2);
+        PointerDriver::press ();
+        ASSERT_TRUE (run_main_loop_until ([&] { return gtk_widget_get_mapped (menu); }, 3000));
+        PointerDriver::release ();
     }
 };
+
+/* The string in @column of row @row of @model ("" where there is none). */
+std::string text_at (GtkTreeModel *model, int row, int column)
+{
+    GtkTreeIter iter;
+    char *text = nullptr;
+    if (gtk_tree_model_iter_nth_child (model, &iter, nullptr, row))
+        gtk_tree_model_get (model, &iter, column, &text, -1);
+    const std::string out = text ? text : "";
+    g_free (text);
+    return out;
+}
 
 /* Answers the confirmation note that a deletion opens. */
 void answer_next_note (gint response)
@@ -348,22 +377,21 @@ TEST (TaskView, PansInAPannableAreaAndTicksTheRowUnderTheFinger)
 {
     REQUIRE_XTEST ();
     GtkWidget *area = kivo_pannable_area_new ();
-    GtkWidget *view = tav_task_view_new ();
-    gtk_container_add (GTK_CONTAINER (area), view);
-    MemorySourcePtr source (tav_memory_source_new ("Home", TavCalendarColorGreen, CalendarSourceTypeLocal));
+    Shown<TavTaskView> shown (tav_task_view_new (), area);
+    GtkWidget *view = GTK_WIDGET (shown.view);
+    TavMemorySource *source = shown.source.get ();
     std::vector<tav::GRefPtr<TavCalendarTask>> tasks;
     for (int day = 1; day <= 20; ++day) {
         tasks.push_back (tav::adoptGRef (new_task ("Daily chore", { 2009, 2, day })));
-        tav_memory_source_add (source.get (), TAV_CALENDAR_ENTRY (tasks.back ().get ()));
-        tav_task_view_append_task (TAV_TASK_VIEW (view), tasks.back ().get ());
+        tav_memory_source_add (source, TAV_CALENDAR_ENTRY (tasks.back ().get ()));
+        tav_task_view_append_task (shown.view, tasks.back ().get ());
     }
-    GtkWidget *window = make_test_window (600, 400, area);
     GtkAdjustment *adj = kivo_pannable_area_get_vadjustment (KIVO_PANNABLE_AREA (area));
     run_main_loop_until ([&] { return gtk_adjustment_get_upper (adj) > 1000; }, 2000);
     PointerDriver::drag (area, 300, 350, 300, 50, 10, 20, true);
     run_main_loop_until ([&] { return !kivo_pannable_area_is_moving (KIVO_PANNABLE_AREA (area)); }, 5000);
     ASSERT_GT (gtk_adjustment_get_value (adj), 200.0);
-    EXPECT_EQ (tav_memory_source_calls (source.get (), TAV_MEMORY_SLOT_SAVE_TASK), 0u) << "a pan is no tap";
+    EXPECT_EQ (tav_memory_source_calls (source, TAV_MEMORY_SLOT_SAVE_TASK), 0u) << "a pan is no tap";
 
     /* The tick of the row now at the area's middle. */
     GtkTreePath *path = nullptr;
@@ -376,8 +404,7 @@ TEST (TaskView, PansInAPannableAreaAndTicksTheRowUnderTheFinger)
     gboolean done = FALSE;
     g_object_get (tasks[static_cast<size_t> (row - 1)].get (), "done", &done, nullptr);
     EXPECT_TRUE (done) << "row " << row;
-    EXPECT_EQ (tav_memory_source_calls (source.get (), TAV_MEMORY_SLOT_SAVE_TASK), 1u);
-    gtk_widget_destroy (window);
+    EXPECT_EQ (tav_memory_source_calls (source, TAV_MEMORY_SLOT_SAVE_TASK), 1u);
 }
 
 TEST (TaskView, HeldRowOffersDeleteWhichAsksFirst)
@@ -410,14 +437,7 @@ TEST (TaskView, HeldRowOffersDeleteWhichAsksFirst)
             tav_memory_source_fail (shown.source.get (), TAV_MEMORY_SLOT_DELETE_TASK, CalendarDefaultError);
         else
             tav_memory_source_heal (shown.source.get (), TAV_MEMORY_SLOT_DELETE_TASK);
-        GdkRectangle cell;
-        GtkTreePath *path = gtk_tree_path_new_from_indices (1, -1);
-        gtk_tree_view_get_cell_area (shown.tree (), path, gtk_tree_view_get_column (shown.tree (), 1), &cell);
-        gtk_tree_path_free (path);
-        PointerDriver::move_to (GTK_WIDGET (shown.view), cell.x + 40, cell.y + cell.height / 2);
-        PointerDriver::press ();
-        ASSERT_TRUE (run_main_loop_until ([&] { return gtk_widget_get_mapped (menu); }, 3000));
-        PointerDriver::release ();
+        ASSERT_NO_FATAL_FAILURE (shown.hold (1, menu));
         answer_next_note (s.answer);
         gtk_menu_shell_activate_item (GTK_MENU_SHELL (menu), item, TRUE);
         EXPECT_EQ (rows_of (shown.tree ()), s.rows);
@@ -445,20 +465,13 @@ TEST (NoteView, RowsTapsAndDeletion)
     }
     tav_note_view_append_note (shown.view, notes[0].get ());
     ASSERT_EQ (gtk_tree_model_iter_n_children (model, nullptr), 3);
-    GtkTreeIter iter;
-    char *first = nullptr, *second = nullptr, *date = nullptr, *insert = nullptr;
-    gtk_tree_model_get_iter_first (model, &iter);
-    gtk_tree_model_get (model, &iter, TAV_NOTE_VIEW_COLUMN_TITLE, &insert, -1);
-    gtk_tree_model_iter_next (model, &iter);
-    gtk_tree_model_get (model, &iter, TAV_NOTE_VIEW_COLUMN_TITLE, &first, TAV_NOTE_VIEW_COLUMN_DATE, &date, -1);
-    gtk_tree_model_iter_next (model, &iter);
-    gtk_tree_model_get (model, &iter, TAV_NOTE_VIEW_COLUMN_TITLE, &second, -1);
-    EXPECT_STREQ (insert, "New note");
-    EXPECT_STREQ (first, "Gift list");
-    EXPECT_STREQ (date, "<span color=\"grey\">09/03/2009</span>");
+    EXPECT_EQ (text_at (model, 0, TAV_NOTE_VIEW_COLUMN_TITLE), "New note");
+    EXPECT_EQ (text_at (model, 1, TAV_NOTE_VIEW_COLUMN_TITLE), "Gift list");
+    EXPECT_EQ (text_at (model, 1, TAV_NOTE_VIEW_COLUMN_DATE), "<span color=\"grey\">09/03/2009</span>");
     /* The bad byte is shown replaced; the note is not lost. */
-    EXPECT_TRUE (g_str_has_prefix (second, "Caf") && g_str_has_suffix (second, " &lt;ideas&gt;")) << second;
-    g_free (insert), g_free (first), g_free (second), g_free (date);
+    const std::string second = text_at (model, 2, TAV_NOTE_VIEW_COLUMN_TITLE);
+    EXPECT_TRUE (g_str_has_prefix (second.c_str (), "Caf") && g_str_has_suffix (second.c_str (), " &lt;ideas&gt;"))
+        << second;
 
     int activated = 0, inserts = 0;
     count_signal (shown.view, "note-activated", &activated);
@@ -470,18 +483,10 @@ TEST (NoteView, RowsTapsAndDeletion)
 
     /* Deleting through the menu, then the empty list. */
     for (size_t i = 0; i < notes.size (); ++i) {
-        GdkRectangle cell;
-        GtkTreePath *path = gtk_tree_path_new_from_indices (1, -1);
-        gtk_tree_view_get_cell_area (shown.tree (), path, gtk_tree_view_get_column (shown.tree (), 1), &cell);
-        gtk_tree_path_free (path);
         GtkWidget *menu = _tav_note_view_get_context_menu (shown.view);
-        PointerDriver::move_to (GTK_WIDGET (shown.view), cell.x + 40, cell.y + cell.height / 2);
-        PointerDriver::press ();
-        ASSERT_TRUE (run_main_loop_until ([&] { return gtk_widget_get_mapped (menu); }, 3000));
-        PointerDriver::release ();
+        ASSERT_NO_FATAL_FAILURE (shown.hold (1, menu));
         answer_next_note (GTK_RESPONSE_OK);
-        GtkWidget *item = only_item (menu);
-        gtk_menu_shell_activate_item (GTK_MENU_SHELL (menu), item, TRUE);
+        gtk_menu_shell_activate_item (GTK_MENU_SHELL (menu), only_item (menu), TRUE);
     }
     EXPECT_EQ (gtk_tree_model_iter_n_children (model, nullptr), 1);
     EXPECT_EQ (tav_memory_source_calls (shown.source.get (), TAV_MEMORY_SLOT_DELETE_NOTE), 2u);
