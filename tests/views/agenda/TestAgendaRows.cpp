@@ -312,12 +312,12 @@ TEST (AgendaRows, TimeColumnTexts)
     for (const Case &c : cases) {
         AgendaEntry a {};
         DayEntry d {};
-        for (auto *r : { &a }) {
-            r->all_day = c.all_day, r->start_date = c.start, r->date = c.date, r->end_date = c.end;
-            r->start_time = c.st, r->end_time = c.et, r->displayed_time = c.shown;
-        }
-        d.all_day = c.all_day, d.start_date = c.start, d.date = c.date, d.end_date = c.end;
-        d.start_time = c.st, d.end_time = c.et, d.displayed_time = c.shown;
+        auto fill = [&c] (auto &r) {
+            r.all_day = c.all_day, r.start_date = c.start, r.date = c.date, r.end_date = c.end;
+            r.start_time = c.st, r.end_time = c.et, r.displayed_time = c.shown;
+        };
+        fill (a);
+        fill (d);
         agenda_entry_refresh_displayed_times (&a, c.format, c.shifted);
         day_entry_refresh_displayed_times (&d, c.format, c.shifted);
         EXPECT_EQ (std::string (a.start_text) + "|" + a.end_text, std::string (c.agenda_start) + "|" + c.agenda_end)

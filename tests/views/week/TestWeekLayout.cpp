@@ -364,10 +364,6 @@ TEST (WeekEntryRecord, LabelMarkupIsEscapedAndCached)
     const char *first = week_entry_get_summary (w);
     g_object_set (e.get (), "title", "Changed", NULL);
     EXPECT_EQ (week_entry_get_summary (w), first) << "the markup is computed once";
-
-    tav::GCharPtr expected_time (tav_time_to_string_format (w->start_time, FALSE));
-    EXPECT_EQ (std::string (week_entry_get_summary_time (w, 1)),
-               std::string ("<span color=\"Black\">") + expected_time.get () + "</span>");
     week_entry_free (w);
 
     /* The flag picks the clock: 0 is twelve-hour, 1 and above twenty-four. */
