@@ -232,40 +232,33 @@ TEST (CellFlush, RemovalOnlyCountsVisibleLines)
 
 /* Bad input -------------------------------------------------------------------- */
 
-struct RefusalCase {
-    const char *label;
-    std::function<TavCalendarEntry * ()> make;
-    const char *warning;
-};
-
-class Refusals : public ::testing::TestWithParam<RefusalCase> {};
-
-TEST_P (Refusals, WarnAndPlaceNothing)
+TEST (Refusals, WarnAndPlaceNothing)
 {
-    const RefusalCase &c = GetParam ();
-    LogCapture capture;
-    Entries e;
-    Grid grid (kYear, kMarch, 1);
-    TavCalendarEntry *entry = e (c.make ());
-    EXPECT_FALSE (grid.add (entry)) << c.label;
-    EXPECT_TRUE (capture.has_warning (c.warning)) << c.label << "\n" << capture.dump ();
-    for (int k = 0; k < NCells; k++)
-        EXPECT_TRUE (calendar_cell_buffer_empty (&grid.cells ()[k])) << c.label;
+    struct Case { const char *label; std::function<TavCalendarEntry * ()> make; const char *warning; };
+    const Case cases[] = {
+        { "a note",
+          [] {
+              TavCalendarEntry *note = TAV_CALENDAR_ENTRY (tav_calendar_note_new ());
+              TavDate d = march (3);
+              g_object_set (note, "start-date", &d, "end-date", &d, NULL);
+              return note;
+          },
+          "No notes in the month view." },
+        { "an end before the start", [] { return make_entry ("bad", at (12, 9), at (10, 9)); },
+          "The start_date >= end_date, giving up." },
+        { "a day outside the grid", [] { return make_entry ("June", { 2009, 5, 1, 9, 0 }, { 2009, 5, 1, 10, 0 }); },
+          "Day cell not found for 2009-6-1." },
+    };
+    for (const Case &c : cases) {
+        LogCapture capture;
+        Entries e;
+        Grid grid (kYear, kMarch, 1);
+        EXPECT_FALSE (grid.add (e (c.make ()))) << c.label;
+        EXPECT_TRUE (capture.has_warning (c.warning)) << c.label << "\n" << capture.dump ();
+        for (int k = 0; k < NCells; k++)
+            EXPECT_TRUE (calendar_cell_buffer_empty (&grid.cells ()[k])) << c.label;
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P (Month, Refusals, ::testing::Values (
-    RefusalCase { "a note",
-        [] {
-            TavCalendarEntry *note = TAV_CALENDAR_ENTRY (tav_calendar_note_new ());
-            TavDate d = march (3);
-            g_object_set (note, "start-date", &d, "end-date", &d, NULL);
-            return note;
-        },
-        "No notes in the month view." },
-    RefusalCase { "an end before the start", [] { return make_entry ("bad", at (12, 9), at (10, 9)); },
-                  "The start_date >= end_date, giving up." },
-    RefusalCase { "a day outside the grid", [] { return make_entry ("June", { 2009, 5, 1, 9, 0 }, { 2009, 5, 1, 10, 0 }); },
-                  "Day cell not found for 2009-6-1." }));
 
 TEST (Refusals, MultiDayEventPartlyOutsideTheGridKeepsItsDaysInside)
 {
