@@ -5,6 +5,7 @@
 #include <gdk-pixbuf/gdk-pixbuf.h>
 
 #include <cstring>
+#include <memory>
 #include <glib/gstdio.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -75,27 +76,26 @@ TEST (HostProgram, ScreenshotRendersEachViewAt800x480)
     ProgramRun empty = run ({"--db", dir.file ("empty.db"), "--date", "2026-11-23", "--screenshot", dir.file ("empty")});
     ASSERT_EQ (empty.status, 0) << empty.err;
 
+    auto load = [&dir] (const std::string &name) {
+        GError *err = nullptr;
+        GdkPixbuf *picture = gdk_pixbuf_new_from_file (dir.file (name + ".png").c_str (), &err);
+        EXPECT_TRUE (picture) << name << ": " << (err ? err->message : "");
+        g_clear_error (&err);
+        return std::unique_ptr<GdkPixbuf, void (*) (gpointer)> (picture, g_object_unref);
+    };
+    const auto month = load ("demo/month");
     for (const char *view : {"month", "week", "agenda", "day", "event", "tasks", "notes", "appmenu"}) {
         SCOPED_TRACE (view);
         EXPECT_TRUE (contains (demo.out, dir.file ("demo") + "/" + view + ".png")) << demo.out;
-        GError *err = nullptr;
-        GdkPixbuf *full = gdk_pixbuf_new_from_file (dir.file (std::string ("demo/") + view + ".png").c_str (), &err);
-        ASSERT_TRUE (full) << err->message;
-        GdkPixbuf *bare = gdk_pixbuf_new_from_file (dir.file (std::string ("empty/") + view + ".png").c_str (), &err);
-        ASSERT_TRUE (bare) << err->message;
-        EXPECT_EQ (gdk_pixbuf_get_width (full), 800);
-        EXPECT_EQ (gdk_pixbuf_get_height (full), 480);
+        const auto full = load (std::string ("demo/") + view), bare = load (std::string ("empty/") + view);
+        ASSERT_TRUE (full && bare && month);
+        EXPECT_EQ (gdk_pixbuf_get_width (full.get ()), 800);
+        EXPECT_EQ (gdk_pixbuf_get_height (full.get ()), 480);
         /* The demo store fills the view with coloured entries and their
          * texts, where an empty store leaves only the grid (or an empty
          * list); the menu covers most of the month view it opens over. */
         const bool menu = strcmp (view, "appmenu") == 0;
-        GdkPixbuf *other = menu ? gdk_pixbuf_new_from_file (dir.file ("demo/month.png").c_str (), nullptr)
-                                : GDK_PIXBUF (g_object_ref (bare));
-        ASSERT_TRUE (other);
-        EXPECT_GT (differing_pixels (full, other), 800u * 480u / (menu ? 3 : 30));
-        g_object_unref (other);
-        g_object_unref (full);
-        g_object_unref (bare);
+        EXPECT_GT (differing_pixels (full.get (), menu ? month.get () : bare.get ()), 800u * 480u / (menu ? 3 : 30));
     }
 }
 
