@@ -5,6 +5,7 @@
 #include <gdk-pixbuf/gdk-pixbuf.h>
 
 #include <cstring>
+#include <memory>
 #include <glib/gstdio.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -17,7 +18,9 @@ namespace {
 
 struct ProgramRun { int status = -1; std::string out, err; };
 
-ProgramRun run (std::vector<std::string> args, const char *tz = nullptr)
+/* Runs the program with @args to its end; with @pid, starts it only (its
+ * output dropped) and leaves the waiting to the caller. */
+ProgramRun run (std::vector<std::string> args, const char *tz = nullptr, GPid *pid = nullptr)
 {
     args.insert (args.begin (), TAV_CALENDAR_BIN);
     std::vector<char *> argv;
@@ -30,8 +33,11 @@ ProgramRun run (std::vector<std::string> args, const char *tz = nullptr)
     gchar **env = g_get_environ ();
     if (tz)
         env = g_environ_setenv (env, "TZ", tz, TRUE);
-    const bool ran = g_spawn_sync (nullptr, argv.data (), env, G_SPAWN_DEFAULT, nullptr, nullptr, &out, &err, &wait,
-                                   &error);
+    const bool ran = pid ? g_spawn_async (nullptr, argv.data (), env,
+                                          GSpawnFlags (G_SPAWN_DO_NOT_REAP_CHILD | G_SPAWN_STDOUT_TO_DEV_NULL), nullptr,
+                                          nullptr, pid, &error)
+                         : g_spawn_sync (nullptr, argv.data (), env, G_SPAWN_DEFAULT, nullptr, nullptr, &out, &err,
+                                         &wait, &error);
     g_strfreev (env);
     EXPECT_TRUE (ran) << (error ? error->message : "");
     g_clear_error (&error);
@@ -70,27 +76,26 @@ TEST (HostProgram, ScreenshotRendersEachViewAt800x480)
     ProgramRun empty = run ({"--db", dir.file ("empty.db"), "--date", "2026-11-23", "--screenshot", dir.file ("empty")});
     ASSERT_EQ (empty.status, 0) << empty.err;
 
+    auto load = [&dir] (const std::string &name) {
+        GError *err = nullptr;
+        GdkPixbuf *picture = gdk_pixbuf_new_from_file (dir.file (name + ".png").c_str (), &err);
+        EXPECT_TRUE (picture) << name << ": " << (err ? err->message : "");
+        g_clear_error (&err);
+        return std::unique_ptr<GdkPixbuf, void (*) (gpointer)> (picture, g_object_unref);
+    };
+    const auto month = load ("demo/month");
     for (const char *view : {"month", "week", "agenda", "day", "event", "tasks", "notes", "appmenu"}) {
         SCOPED_TRACE (view);
         EXPECT_TRUE (contains (demo.out, dir.file ("demo") + "/" + view + ".png")) << demo.out;
-        GError *err = nullptr;
-        GdkPixbuf *full = gdk_pixbuf_new_from_file (dir.file (std::string ("demo/") + view + ".png").c_str (), &err);
-        ASSERT_TRUE (full) << err->message;
-        GdkPixbuf *bare = gdk_pixbuf_new_from_file (dir.file (std::string ("empty/") + view + ".png").c_str (), &err);
-        ASSERT_TRUE (bare) << err->message;
-        EXPECT_EQ (gdk_pixbuf_get_width (full), 800);
-        EXPECT_EQ (gdk_pixbuf_get_height (full), 480);
+        const auto full = load (std::string ("demo/") + view), bare = load (std::string ("empty/") + view);
+        ASSERT_TRUE (full && bare && month);
+        EXPECT_EQ (gdk_pixbuf_get_width (full.get ()), 800);
+        EXPECT_EQ (gdk_pixbuf_get_height (full.get ()), 480);
         /* The demo store fills the view with coloured entries and their
          * texts, where an empty store leaves only the grid (or an empty
          * list); the menu covers most of the month view it opens over. */
         const bool menu = strcmp (view, "appmenu") == 0;
-        GdkPixbuf *other = menu ? gdk_pixbuf_new_from_file (dir.file ("demo/month.png").c_str (), nullptr)
-                                : GDK_PIXBUF (g_object_ref (bare));
-        ASSERT_TRUE (other);
-        EXPECT_GT (differing_pixels (full, other), 800u * 480u / (menu ? 3 : 30));
-        g_object_unref (other);
-        g_object_unref (full);
-        g_object_unref (bare);
+        EXPECT_GT (differing_pixels (full.get (), menu ? month.get () : bare.get ()), 800u * 480u / (menu ? 3 : 30));
     }
 }
 
@@ -203,22 +208,15 @@ TEST (HostProgram, ImportPrintsCountsExportWritesThroughALinkAndTwoImportsShareT
     EXPECT_TRUE (contains (read_file (dir.file ("real.ics")), "SUMMARY:Bastille Day Party"));
 
     /* Two processes import into one store at once: both wait their turn. */
-    for (const char *name : {"a", "b"}) {
-        std::string ics = "BEGIN:VCALENDAR\r\nVERSION:2.0\r\n";
-        for (int i = 0; i < 3000; ++i) {
-            ics += "BEGIN:VEVENT\r\nUID:" + std::string (name) + std::to_string (i) +
-                   "\r\nDTSTART:20240601T100000Z\r\nSUMMARY:x\r\nEND:VEVENT\r\n";
-        }
-        ics += "END:VCALENDAR\r\n";
-        ASSERT_TRUE (g_file_set_contents (dir.file (std::string (name) + ".ics").c_str (), ics.data (), ics.size (), nullptr));
-    }
     GPid pids[2];
     for (int i = 0; i < 2; ++i) {
-        std::string file = dir.file (i ? "b.ics" : "a.ics");
-        std::string bin = TAV_CALENDAR_BIN, db_arg = "--db", imp = "--import";
-        char *argv[] = {bin.data (), db_arg.data (), const_cast<char *> (db.c_str ()), imp.data (), file.data (), nullptr};
-        ASSERT_TRUE (g_spawn_async (nullptr, argv, nullptr, GSpawnFlags (G_SPAWN_DO_NOT_REAP_CHILD | G_SPAWN_STDOUT_TO_DEV_NULL),
-                                    nullptr, nullptr, &pids[i], nullptr));
+        const std::string name = i ? "b" : "a", file = dir.file (name + ".ics");
+        std::string ics = "BEGIN:VCALENDAR\r\nVERSION:2.0\r\n";
+        for (int k = 0; k < 3000; ++k)
+            ics += "BEGIN:VEVENT\r\nUID:" + name + std::to_string (k) + "\r\nDTSTART:20240601T100000Z\r\nSUMMARY:x\r\nEND:VEVENT\r\n";
+        ics += "END:VCALENDAR\r\n";
+        ASSERT_TRUE (g_file_set_contents (file.c_str (), ics.data (), ics.size (), nullptr));
+        ASSERT_EQ (run ({"--db", db, "--import", file}, nullptr, &pids[i]).status, 0) << "not started";
     }
     for (GPid pid : pids) {
         int wait = 0;

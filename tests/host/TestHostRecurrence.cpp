@@ -130,25 +130,6 @@ TEST (HostRecurrence, CountedOutSimpleRulesMatchLibical)
     EXPECT_GT (with_instances, 500);
 }
 
-TEST (HostRecurrence, ZonedRuleKeepsItsWallClockAcrossDaylightSaving)
-{
-    /* 09:00 in Los Angeles is 17:00 UTC in winter and 16:00 UTC in summer
-     * (the tests run with TZ=UTC). */
-    EntryRecord e;
-    e.tzid = "America/Los_Angeles";
-    e.start = at (2024, 1, 8, 17);
-    e.end = e.start + 60;
-    e.rrule = "FREQ=WEEKLY;COUNT=30";
-    const auto all = expand_instances (e, INT64_MIN, kUnbounded);
-    ASSERT_EQ (all.size (), 30u);
-    EXPECT_EQ (civil_to_string (all[0]) + ", " + civil_to_string (all[9]) + ", " + civil_to_string (all[29]),
-               "2024-01-08 17:00, 2024-03-11 16:00, 2024-07-29 16:00");
-
-    EntryRecord local = e;
-    local.tzid.clear ();
-    EXPECT_EQ (civil_to_string (expand_instances (local, INT64_MIN, kUnbounded)[9]), "2024-03-11 17:00");
-}
-
 TEST (HostRecurrence, ExceptionsAndExtraDates)
 {
     EntryRecord e;

@@ -50,12 +50,12 @@ Ymd ymd (int64_t day)
  * belongs to another year. */
 int week_number (int64_t day, int year, int wkst)
 {
-    const int64_t jan1 = days_from_civil (year, 1, 1);
-    const int64_t week1 = jan1 - (weekday (jan1) - wkst + 7) % 7 + ((weekday (jan1) - wkst + 7) % 7 >= 4 ? 7 : 0);
-    const int64_t next_jan1 = days_from_civil (year + 1, 1, 1);
-    const int64_t next_week1 =
-        next_jan1 - (weekday (next_jan1) - wkst + 7) % 7 + ((weekday (next_jan1) - wkst + 7) % 7 >= 4 ? 7 : 0);
-    return day < week1 || day >= next_week1 ? 0 : static_cast<int> ((day - week1) / 7) + 1;
+    auto week1 = [wkst] (int y) {
+        const int64_t jan1 = days_from_civil (y, 1, 1);
+        const int into = (weekday (jan1) - wkst + 7) % 7;
+        return jan1 - into + (into >= 4 ? 7 : 0);
+    };
+    return day < week1 (year) || day >= week1 (year + 1) ? 0 : static_cast<int> ((day - week1 (year)) / 7) + 1;
 }
 
 bool in (const std::vector<int> &set, int v) { return std::find (set.begin (), set.end (), v) != set.end (); }
@@ -189,7 +189,7 @@ std::vector<int64_t> reference (const Rule &r, int64_t start, int64_t horizon)
 }
 
 /* Wall-clock times in @zone to UTC minutes, by the C library. */
-void libc_utc (std::vector<int64_t> &times, const char *zone)
+std::vector<int64_t> libc_utc (std::vector<int64_t> times, const char *zone)
 {
     g_setenv ("TZ", zone, TRUE);
     tzset ();
@@ -197,14 +197,10 @@ void libc_utc (std::vector<int64_t> &times, const char *zone)
         t = floor_div (static_cast<int64_t> (time_t_from_civil (t)), 60);
     g_setenv ("TZ", "UTC", TRUE);
     tzset ();
+    return times;
 }
 
-int64_t libc_utc (int64_t wall, const char *zone)
-{
-    std::vector<int64_t> one {wall};
-    libc_utc (one, zone);
-    return one[0];
-}
+int64_t libc_utc (int64_t wall, const char *zone) { return libc_utc (std::vector<int64_t> {wall}, zone)[0]; }
 
 std::string stamp (int64_t minutes, bool utc)
 {
@@ -289,11 +285,6 @@ TEST (HostRecurrenceReference, GeneratedRulesExpandAsTheRfcDefinesThem)
         }
 
         std::string text = std::string ("FREQ=") + names[r.freq];
-        auto list = [&] (const char *name, const std::vector<int> &v) {
-            if (v.empty ()) return;
-            text += std::string (";") + name + "=";
-            for (size_t k = 0; k < v.size (); ++k) text += (k ? "," : "") + std::to_string (v[k]);
-        };
         if (r.interval > 1) text += ";INTERVAL=" + std::to_string (r.interval);
         if (r.count) text += ";COUNT=" + std::to_string (r.count);
         if (r.until != kUnbounded) {
@@ -301,24 +292,23 @@ TEST (HostRecurrenceReference, GeneratedRulesExpandAsTheRfcDefinesThem)
             text += ";UNTIL=" + (all_day ? stamp (r.until, false).substr (0, 8)
                                          : *zone ? stamp (libc_utc (r.until, zone), true) : stamp (r.until, false));
         }
-        list ("BYMONTH", r.bymonth);
-        list ("BYWEEKNO", r.byweekno);
-        list ("BYYEARDAY", r.byyearday);
-        list ("BYMONTHDAY", r.bymonthday);
-        if (!r.byday.empty ()) {
-            text += ";BYDAY=";
-            for (size_t k = 0; k < r.byday.size (); ++k)
-                text += (k ? "," : "") + (r.byday[k].first ? std::to_string (r.byday[k].first) : "") + kDays[r.byday[k].second];
+        std::vector<std::string> days;
+        for (auto [ord, wd] : r.byday)
+            days.push_back ((ord ? std::to_string (ord) : "") + kDays[wd]);
+        for (auto [name, v] : {std::pair {"BYMONTH", r.bymonth}, {"BYWEEKNO", r.byweekno}, {"BYYEARDAY", r.byyearday},
+                               {"BYMONTHDAY", r.bymonthday}, {"BYHOUR", r.byhour}, {"BYMINUTE", r.byminute},
+                               {"BYSETPOS", r.bysetpos}}) {
+            for (size_t k = 0; k < v.size (); ++k)
+                text += (k ? "," : std::string (";") + name + "=") + std::to_string (v[k]);
         }
-        list ("BYHOUR", r.byhour);
-        list ("BYMINUTE", r.byminute);
-        list ("BYSETPOS", r.bysetpos);
+        for (size_t k = 0; k < days.size (); ++k)
+            text += (k ? "," : ";BYDAY=") + days[k];
         if (r.wkst != 1) text += std::string (";WKST=") + kDays[r.wkst];
 
         const int64_t horizon = start + span;
         std::vector<int64_t> expected = reference (r, start, horizon);
         if (*zone)
-            libc_utc (expected, zone);
+            expected = libc_utc (expected, zone);
         EntryRecord e;
         e.all_day = all_day;
         e.tzid = zone;

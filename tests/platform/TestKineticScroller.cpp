@@ -14,19 +14,28 @@ namespace {
 
 constexpr gint64 ms (int n) { return static_cast<gint64> (n) * 1000; }
 
-struct DragCase {
-    const char *label;
-    double start;         /* position when the finger comes down */
-    double overshoot_max;
-    std::vector<double> pointer; /* press, then each drag position */
-    double expected;      /* position after the last drag */
-};
+using Moves = std::vector<std::pair<double, int>>; /* pointer, time in ms */
+
+/* A scroller over [@lower, @upper] resting at @start after a finger came
+ * down at @from (at time 0) and moved through @moves. */
+KineticScroller dragged (double lower, double upper, double overshoot_max, double start, double from, const Moves &moves)
+{
+    KineticScroller s;
+    s.set_limits (lower, upper, overshoot_max);
+    s.jump_to (start);
+    s.press (from, 0);
+    for (auto [pointer, t] : moves)
+        s.drag (pointer, ms (t));
+    return s;
+}
 
 } // namespace
 
 TEST (KineticScroller, DragFollowsTheFingerAndLimitsOvershoot)
 {
-    const DragCase cases[] = {
+    /* pointer: where the finger comes down, then a drag every 10 ms */
+    struct Case { const char *label; double start, overshoot_max; std::vector<double> pointer; double expected; };
+    const Case cases[] = {
         { "inside the range the content follows the finger", 200, 100, { 500, 400 }, 300 },
         { "dragging down moves back towards the start", 200, 100, { 500, 650 }, 50 },
         { "past the top at half speed", 0, 100, { 100, 160 }, -30 },
@@ -36,25 +45,18 @@ TEST (KineticScroller, DragFollowsTheFingerAndLimitsOvershoot)
         { "past the bottom no further than the limit", 1000, 50, { 500, 0 }, 1050 },
         { "back from overshoot within one drag", 0, 100, { 100, 200, 100, 50 }, 50 },
     };
-    for (const DragCase &c : cases) {
-        KineticScroller s;
-        s.set_limits (0, 1000, c.overshoot_max);
-        s.jump_to (c.start);
-        s.press (c.pointer[0], 0);
+    for (const Case &c : cases) {
+        Moves moves;
         for (size_t i = 1; i < c.pointer.size (); i++)
-            s.drag (c.pointer[i], ms (static_cast<int> (i) * 10));
-        EXPECT_DOUBLE_EQ (s.position (), c.expected) << c.label;
+            moves.emplace_back (c.pointer[i], static_cast<int> (i) * 10);
+        EXPECT_DOUBLE_EQ (dragged (0, 1000, c.overshoot_max, c.start, c.pointer[0], moves).position (), c.expected)
+            << c.label;
     }
 }
 
 TEST (KineticScroller, ReleaseCases)
 {
-    struct Case {
-        const char *label;
-        std::vector<std::pair<double, int>> moves; /* pointer, time in ms */
-        int release_ms;
-        double expected_velocity;
-    };
+    struct Case { const char *label; Moves moves; int release_ms; double expected_velocity; };
     const Case cases[] = {
         { "a finger that rested before lifting throws nothing", { { 400, 20 }, { 300, 40 } }, 300, 0.0 },
         { "a press without motion throws nothing", {}, 30, 0.0 },
@@ -64,12 +66,7 @@ TEST (KineticScroller, ReleaseCases)
         { "a violent flick is capped", { { 0, 5 }, { -1000, 10 } }, 10, KineticScroller::kMaxVelocity },
     };
     for (const Case &c : cases) {
-        KineticScroller s;
-        s.set_limits (0, 100000, 0);
-        s.jump_to (50000);
-        s.press (500, 0);
-        for (auto &move : c.moves)
-            s.drag (move.first, ms (move.second));
+        KineticScroller s = dragged (0, 100000, 0, 50000, 500, c.moves);
         s.release (ms (c.release_ms));
         EXPECT_DOUBLE_EQ (s.velocity (), c.expected_velocity) << c.label;
     }
@@ -77,14 +74,7 @@ TEST (KineticScroller, ReleaseCases)
 
 TEST (KineticScroller, PastTheEndItComesToRestAtTheEnd)
 {
-    struct Case {
-        const char *label;
-        double start, overshoot_max;
-        std::vector<std::pair<double, int>> moves; /* pointer from 500, time in ms */
-        int release_ms;
-        double end;
-        bool overshoots;
-    };
+    struct Case { const char *label; double start, overshoot_max; Moves moves; int release_ms; double end; bool overshoots; };
     const Case cases[] = {
         { "pulled down past the top springs back", 0, 100, { { 660, 50 } }, 400, 0, true },
         { "pulled up past the bottom springs back", 1000, 100, { { 380, 50 } }, 400, 1000, true },
@@ -92,12 +82,7 @@ TEST (KineticScroller, PastTheEndItComesToRestAtTheEnd)
         { "a flick without room to overshoot stops dead", 900, 0, { { 400, 20 }, { 300, 40 } }, 40, 1000, false },
     };
     for (const Case &c : cases) {
-        KineticScroller s;
-        s.set_limits (0, 1000, c.overshoot_max);
-        s.jump_to (c.start);
-        s.press (500, 0);
-        for (auto &move : c.moves)
-            s.drag (move.first, ms (move.second));
+        KineticScroller s = dragged (0, 1000, c.overshoot_max, c.start, 500, c.moves);
         s.release (ms (c.release_ms));
         double furthest = 0; /* how far past the end, at most */
         double previous = 0;
@@ -149,11 +134,7 @@ TEST (KineticScroller, ClosedFormGlideMatchesFineIntegration)
             v += k * v * h;
         }
         for (double rate : { 30.0, 60.0, 144.0 }) {
-            KineticScroller s;
-            s.set_limits (-1e7, 1e7, 0);
-            s.jump_to (0);
-            s.press (0, 0);
-            s.drag (-speed * 0.05, ms (50)); /* 50 ms at the speed */
+            KineticScroller s = dragged (-1e7, 1e7, 0, 0, 0, { { -speed * 0.05, 50 } }); /* 50 ms at the speed */
             s.release (ms (50));
             ASSERT_NEAR (s.velocity (), speed, 1e-6);
             const double start = s.position ();

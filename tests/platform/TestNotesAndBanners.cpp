@@ -38,9 +38,7 @@ TEST (Banner, StacksClosesUpAndDisappearsByItself)
         EXPECT_EQ (kivo_banner_show_information (nullptr, nullptr, nullptr), nullptr);
         EXPECT_CRITICAL (capture, "text != NULL");
     }
-    GtkWidget *window = make_test_window (500, 300);
-    gtk_widget_show (window);
-    flush_events ();
+    GtkWidget *window = make_test_window (500, 300, gtk_label_new (""));
     const gint64 start = g_get_monotonic_time ();
     GtkWidget *first = kivo_banner_show_information (window, nullptr, "First");
     GtkWidget *second = kivo_banner_show_information (window, nullptr, "Event saved");
@@ -88,9 +86,7 @@ TEST (Banner, StacksClosesUpAndDisappearsByItself)
 TEST (ConfirmationNote, AnswersGtkDialogRun)
 {
     REQUIRE_XTEST ();
-    GtkWidget *window = make_test_window (500, 300);
-    gtk_widget_show (window);
-    flush_events ();
+    GtkWidget *window = make_test_window (500, 300, gtk_label_new (""));
     for (gint response : { GTK_RESPONSE_OK, GTK_RESPONSE_CANCEL }) {
         GtkWidget *note = kivo_note_new_confirmation (GTK_WINDOW (window), "Delete the event \"Lunch\"?");
         EXPECT_STREQ (kivo_note_get_description (KIVO_NOTE (note)), "Delete the event \"Lunch\"?");

@@ -19,12 +19,13 @@ constexpr int kPastTheDelay = KIVO_TAP_AND_HOLD_DELAY_MS + 100;
 
 struct HoldFixture {
     GtkWidget *target = gtk_event_box_new ();
+    GtkWidget *area = nullptr; /* in a pannable area: around the target */
     GtkWidget *window = nullptr;
     int queries = 0, holds = 0, releases = 0;
     bool refuse = false;
     GdkEventType query_event_type = GDK_NOTHING;
 
-    HoldFixture ()
+    explicit HoldFixture (bool in_pannable_area = false)
     {
         gtk_widget_set_can_focus (target, TRUE);
         g_signal_connect (target, "tap-and-hold-query", G_CALLBACK (+[] (GtkWidget *, GdkEvent *event, gpointer d) -> gboolean {
@@ -39,7 +40,12 @@ struct HoldFixture {
             return FALSE;
         }), this);
         gtk_widget_tap_and_hold_setup (target, nullptr, nullptr, KIVO_TAP_AND_HOLD_NONE);
-        window = make_test_window (300, 200, target);
+        if (in_pannable_area) {
+            area = kivo_pannable_area_new ();
+            gtk_widget_set_size_request (target, -1, 600);
+            kivo_pannable_area_add_with_viewport (KIVO_PANNABLE_AREA (area), target);
+        }
+        window = make_test_window (300, 200, area ? area : target);
     }
     ~HoldFixture () { gtk_widget_destroy (window); }
 };
@@ -168,18 +174,13 @@ TEST (TapAndHold, AMenuUnderTheFingerIgnoresItsLift)
 TEST (TapAndHold, WorksInsideAPannableArea)
 {
     REQUIRE_XTEST ();
-    GtkWidget *area = kivo_pannable_area_new ();
-    GtkWidget *box = gtk_event_box_new ();
-    gtk_widget_set_size_request (box, -1, 600);
-    int holds = 0, presses = 0;
-    count_signal (box, "tap-and-hold", &holds);
-    gtk_widget_tap_and_hold_setup (box, nullptr, nullptr, KIVO_TAP_AND_HOLD_NONE);
-    kivo_pannable_area_add_with_viewport (KIVO_PANNABLE_AREA (area), box);
-    GtkWidget *window = make_test_window (300, 200, area);
+    HoldFixture f (true);
+    GtkWidget *area = f.area, *box = f.target;
+    int presses = 0;
 
     PointerDriver::move_to (area, 100, 100);
     PointerDriver::press (1);
-    EXPECT_TRUE (wait_for_count (holds, 1)) << "a resting finger holds through the area";
+    EXPECT_TRUE (wait_for_count (f.holds, 1)) << "a resting finger holds through the area";
     PointerDriver::release (1);
     flush_events ();
 
@@ -192,7 +193,7 @@ TEST (TapAndHold, WorksInsideAPannableArea)
     PointerDriver::wait (kPastTheDelay);
     PointerDriver::release (1);
     flush_events ();
-    EXPECT_EQ (holds, 1);
+    EXPECT_EQ (f.holds, 1);
     EXPECT_GT (gtk_adjustment_get_value (kivo_pannable_area_get_vadjustment (KIVO_PANNABLE_AREA (area))), 50.0);
 
     /* A menu that pops up under the finger takes its release; the area
@@ -205,7 +206,7 @@ TEST (TapAndHold, WorksInsideAPannableArea)
     ASSERT_TRUE (run_main_loop_until ([menu] { return gtk_widget_get_mapped (menu); }, 3000));
     PointerDriver::release (1);
     flush_events ();
-    EXPECT_EQ (holds, 2);
+    EXPECT_EQ (f.holds, 2);
     ASSERT_TRUE (gtk_widget_get_mapped (menu));
     gtk_menu_popdown (GTK_MENU (menu));
     flush_events ();
@@ -217,5 +218,4 @@ TEST (TapAndHold, WorksInsideAPannableArea)
     flush_events ();
     EXPECT_EQ (presses, 1);
     gtk_widget_destroy (menu);
-    gtk_widget_destroy (window);
 }
