@@ -461,17 +461,6 @@ GtkWidget *App::open_editor (TavCalendarEntry *entry, const TavDate *date, const
 
 /* Screenshots ------------------------------------------------------------------------ */
 
-void settle_screen (int rounds)
-{
-    for (int i = 0; i < rounds; ++i) {
-        while (gtk_events_pending ()) {
-            gtk_main_iteration_do (FALSE);
-        }
-        gdk_flush ();
-        g_usleep (20000);
-    }
-}
-
 namespace {
 
 void flush ()
